@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# Installs what Nocturnel needs on Debian 12, skipping what is already present.
+# Everything comes from Debian's packages; nothing else is downloaded.
+set -euo pipefail
+
+packages=(build-essential cmake pkg-config git
+          libgtest-dev libgmock-dev libbenchmark-dev liberfa-dev
+          libcairo2-dev fonts-dejavu-core
+          libcli11-dev libcpp-httplib-dev nlohmann-json3-dev
+          nodejs npm)
+
+missing=()
+for p in "${packages[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+done
+# A machine that already has node and npm from elsewhere needs no Debian nodejs/npm.
+if command -v node >/dev/null && command -v npm >/dev/null; then
+  missing=("${missing[@]/nodejs}"); missing=("${missing[@]/npm}")
+fi
+missing=($(printf '%s\n' "${missing[@]}" | grep -v '^$' || true))
+
+if [ ${#missing[@]} -gt 0 ]; then
+  echo "setup: installing ${missing[*]}"
+  SUDO=""; [ "$(id -u)" -ne 0 ] && SUDO="sudo"
+  export DEBIAN_FRONTEND=noninteractive
+  $SUDO apt-get update -qq
+  $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"
+else
+  echo "setup: all packages present"
+fi

@@ -1,0 +1,7 @@
+#include "shell/commands.h"
+
+namespace nocturnel {
+
+void registerNowCommand(CLI::App& /*app*/) {}
+
+}  // namespace nocturnel

@@ -1,0 +1,7 @@
+#include "shell/commands.h"
+
+namespace nocturnel {
+
+void registerScopeCommand(CLI::App& /*app*/) {}
+
+}  // namespace nocturnel
