@@ -22,6 +22,8 @@ int serialSetLineOptions(uint32_t options);         // Palm-layout option bits
 int serialWrite(const void* bytes, std::size_t count);
 int serialRead(void* buffer, std::size_t max);      // bytes read; 0 on time-out, error or not open
 void serialClose();                                  // only when open and holdOpen is clear
+// Drops bytes received and not yet read (a late or over-long reply of an earlier command).
+void serialDiscardInput();
 bool serialIsOpen();
 
 void setHoldOpen(int flag);

@@ -129,6 +129,8 @@ struct Preferences {
     AlignmentStarRecord savedAlignStar[2] = {};  // saved copies
     double alignmentJd = 0;        // UT Julian date of the last alignment (0: none)
     int32_t hasSavedAlignment = 0;
+    int32_t savedEncoderAltOffset = 0;  // encoder offsets of the saved alignment (the live ones are reset at start)
+    int32_t savedEncoderAzOffset = 0;
 
     // ---- Telescope protocol options ----
     int32_t nexstarPrecise = 0;        // use the 24-bit NexStar commands

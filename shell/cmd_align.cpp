@@ -1,7 +1,215 @@
+// nocturnel align: the two-star alignment from the command line.
+//   align --star1 NAME,TIME,RA,DEC,HOR,ELV --star2 ... [--to-time HH:MM:SS]
+//   align --from-scope NAME1 NAME2      (centre each star with the connected drive, press Enter)
+//   align report [-o FILE] | align restore | align map --ra H --dec D
+#include <cstdio>
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "align/alignment.h"
+#include "align/alignment_report.h"
+#include "core/angle_text.h"
+#include "core/time.h"
+#include "scope/drive_types.h"
+#include "scope/encoder_box.h"
+#include "scope/scope_interface.h"
+#include "scope/serial_link.h"
+#include "settings/message.h"
+#include "settings/program_folder.h"
+#include "shell/app.h"
 #include "shell/commands.h"
+#include "shell/star_names.h"
 
 namespace nocturnel {
+namespace {
 
-void registerAlignCommand(CLI::App& /*app*/) {}
+struct AlignOptions {
+    std::string star1, star2, toTime, output;
+    std::vector<std::string> fromScope;
+    double ra = 0, dec = 0;
+};
+
+bool splitStar(const std::string& text, AlignmentFormStar& star) {
+    std::vector<std::string> fields;
+    std::stringstream in(text);
+    for (std::string field; std::getline(in, field, ',');) fields.push_back(field);
+    if (fields.size() != 6) {
+        showMessage("Fail to compute align matrix", "A star is NAME,TIME,RA,DEC,HOR,ELV");
+        return false;
+    }
+    star = {fields[0], fields[1], fields[2], fields[3], fields[4], fields[5]};
+    return true;
+}
+
+double nowJd() {
+    const ObservingMoment& m = prefs().moment;
+    return julianDateFromLocal(m.year, m.month, m.day, m.hour, m.minute, m.second, prefs().utcOffsetMin);
+}
+
+void printMatrix() {
+    const AlignmentState& s = alignmentState();
+    if (globalOptions().json) {
+        nlohmann::json rows = nlohmann::json::array();
+        for (const auto& row : s.matrix.m) rows.push_back({row[0], row[1], row[2]});
+        std::cout << nlohmann::json{{"toTime", s.toTime}, {"matrix", rows}, {"mountType", prefs().mountType},
+                                    {"scopeDrive", prefs().scopeDrive}}
+                         .dump()
+                  << "\n";
+        return;
+    }
+    std::printf("Alignment matrix (reference time %s):\n", s.toTime);
+    for (const auto& row : s.matrix.m) std::printf("  %+.9f %+.9f %+.9f\n", row[0], row[1], row[2]);
+}
+
+// Reads the telescope's own angles: encoder boxes give their two axes, the other drives their
+// RA (as degrees) and Dec.
+bool readTelescopeAngles(double& hor, double& elv) {
+    const int code = prefs().scopeDrive;
+    if (isEncoderDrive(code)) {
+        if (!encoderConnect(code)) return false;
+        const int ok = encoderReadAzAlt(code, hor, elv);
+        encoderDisconnect();
+        return ok != 0;
+    }
+    double ra = 0, dec = 0;
+    if (!scopeReadPosition(ra, dec)) return false;
+    hor = ra * 15.0;
+    elv = dec;
+    return true;
+}
+
+std::string localTimeText() {
+    const ObservingMoment m = scopeNow();
+    char text[16];
+    std::snprintf(text, sizeof text, "%02d:%02d:%02d", m.hour, m.minute, m.second);
+    return text;
+}
+
+int alignFromScope(const std::vector<std::string>& names) {
+    AlignmentForm form;
+    setHoldOpen(prefs().scopeDrive != 0 ? 1 : 0);
+    int result = 1;
+    for (int i = 0; i < 2 && result; ++i) {
+        double ra = 0, dec = 0;
+        std::string canonical;
+        if (!findBrightStarByName(names[i], canonical, ra, dec)) {
+            showMessage("Unknown star", names[i]);
+            result = 0;
+            break;
+        }
+        std::cerr << "Centre " << canonical << " in the eyepiece, then press Enter." << std::endl;
+        std::string line;
+        if (!std::getline(std::cin, line)) {
+            showMessage("Fail to compute align matrix", "No answer on standard input.");
+            result = 0;
+            break;
+        }
+        double hor = 0, elv = 0;
+        if (!readTelescopeAngles(hor, elv)) {
+            result = 0;
+            break;
+        }
+        char buf[3][kAngleTextSize];
+        form.star[i] = {canonical, localTimeText(), hoursToTextStyle(ra, 1, buf[0]), degreesToTextStyle(dec, 1, buf[1]),
+                        prefs().mountType == 0 ? hoursToTextStyle(hor / 15.0, 1, buf[2]) : degreesToTextStyle(hor, 0, buf[2]),
+                        ""};
+        char elvText[kAngleTextSize];
+        form.star[i].elv = degreesToTextStyle(elv, 0, elvText);
+    }
+    setHoldOpen(0);
+    serialClose();
+    if (!result) return 0;
+    const ObservingMoment m = scopeNow();
+    return computeAlignmentFromForm(form, julianDateFromLocal(m.year, m.month, m.day, m.hour, m.minute, m.second,
+                                                              prefs().utcOffsetMin));
+}
+
+bool ensureAlignment() {
+    if (alignmentState().valid) return true;
+    if (!prefs().hasSavedAlignment) {
+        showMessage("Please do 2 stars alignment first.");
+        return false;
+    }
+    return restoreAlignment() != 0;
+}
+
+}  // namespace
+
+void registerAlignCommand(CLI::App& app) {
+    auto options = std::make_shared<AlignOptions>();
+    CLI::App* align = app.add_subcommand("align", "Two-star alignment: compute, restore, report, map");
+    align->add_option("--star1", options->star1, "First star: NAME,TIME,RA,DEC,HOR,ELV (angle texts)");
+    align->add_option("--star2", options->star2, "Second star: NAME,TIME,RA,DEC,HOR,ELV");
+    align->add_option("--to-time", options->toTime, "Reference time HH:MM:SS (default: star 1's time)");
+    align->add_option("--from-scope", options->fromScope, "Centre two named bright stars with the connected drive")
+        ->expected(2);
+    align->require_subcommand(0, 1);
+    align->callback([options, align]() {
+        if (!align->get_subcommands().empty()) return;
+        if (!startUp()) return setExitCode(1);
+        int ok = 0;
+        if (!options->fromScope.empty()) {
+            ok = alignFromScope(options->fromScope);
+        } else if (!options->star1.empty() && !options->star2.empty()) {
+            AlignmentForm form;
+            form.toTime = options->toTime;
+            if (splitStar(options->star1, form.star[0]) && splitStar(options->star2, form.star[1]))
+                ok = computeAlignmentFromForm(form, nowJd());
+        } else {
+            showMessage("Fail to compute align matrix", "Give --star1 and --star2, or --from-scope NAME1 NAME2.");
+        }
+        if (!ok) return setExitCode(1);
+        installAlignmentMapping();
+        printMatrix();
+    });
+
+    CLI::App* report = align->add_subcommand("report", "Write the alignment report to a text file and print it");
+    report->add_option("-o,--output", options->output, "Report file (default: the program folder)");
+    report->callback([options]() {
+        if (!startUp()) return setExitCode(1);
+        ensureAlignment();
+        const ObservingMoment& m = prefs().moment;
+        const CalendarDate now{m.year, m.month, m.day, m.hour, m.minute, m.second};
+        const std::filesystem::path file =
+            options->output.empty() ? programFolder() / kAlignmentReportFile : std::filesystem::path(options->output);
+        if (!saveAlignmentReport(file, now)) return setExitCode(1);
+        std::string text;
+        writeAlignmentReport(text, now);
+        if (globalOptions().json)
+            std::cout << nlohmann::json{{"file", file.string()}, {"text", toUtf8(text)}}.dump() << "\n";
+        else
+            std::cout << toUtf8(text) << "Written to " << file.string() << "\n";
+    });
+
+    CLI::App* restore = align->add_subcommand("restore", "Restore the last saved alignment");
+    restore->callback([]() {
+        if (!startUp()) return setExitCode(1);
+        if (!prefs().hasSavedAlignment) {
+            showMessage("Please do 2 stars alignment first.");
+            return setExitCode(1);
+        }
+        if (!restoreAlignment()) return setExitCode(1);
+        printMatrix();
+    });
+
+    CLI::App* map = align->add_subcommand("map", "Telescope angles of a J2000 place for the observing moment");
+    map->add_option("--ra", options->ra, "Right ascension, hours (J2000)")->required();
+    map->add_option("--dec", options->dec, "Declination, degrees (J2000)")->required();
+    map->callback([options]() {
+        if (!startUp()) return setExitCode(1);
+        if (!ensureAlignment()) return setExitCode(1);
+        double hor = 0, elv = 0;
+        skyToTelescope(options->ra, options->dec, nowJd(), hor, elv);
+        if (globalOptions().json) {
+            std::cout << nlohmann::json{{"hor", hor}, {"elv", elv}}.dump() << "\n";
+        } else {
+            char a[kAngleTextSize], b[kAngleTextSize];
+            std::cout << "Hor: " << toUtf8(degreesToText(hor, a)) << "\nElv: " << toUtf8(degreesToText(elv, b)) << "\n";
+        }
+    });
+}
 
 }  // namespace nocturnel

@@ -1,0 +1,62 @@
+#pragma once
+// The drawing of each chart layer onto a cairo context, and the occupancy grid that keeps
+// labels from piling on each other.
+#include <cairo.h>
+
+#include <string>
+#include <vector>
+
+#include "chart/chart_view.h"
+#include "chart/sky_frame.h"
+
+namespace nocturnel {
+
+struct Rgb3 {
+    double r = 0, g = 0, b = 0;
+};
+
+// Colours of the display scheme (prefs().background) and line colour (prefs().lineColor).
+struct ChartPalette {
+    Rgb3 sky, ground, lines, grid, text, horizon, ecliptic, telrad;
+    Rgb3 galaxy, nebula, cluster, otherObject;
+};
+ChartPalette chartPalette(int background, int lineColor);
+
+// Coarse grid of the chart in cells; a label is placed only where its box finds every cell free.
+class LabelGrid {
+public:
+    LabelGrid(int width, int height, int cellPixels = 6);
+    // Marks the box (pixels) when free and answers whether it was.
+    bool claim(double left, double top, double width, double height);
+
+private:
+    int columns_, rows_, cell_;
+    std::vector<uint8_t> used_;
+};
+
+struct LayerContext {
+    cairo_t* cr;
+    const ChartView& view;
+    const SkyFrame& frame;
+    const ChartPalette& palette;
+    LabelGrid& labels;
+    double fontSize;
+};
+
+// A label placed right of (x, y) when the grid has room; true when drawn.
+bool placeLabel(const LayerContext& ctx, const std::string& text, double x, double y, const Rgb3& colour);
+
+void drawBackground(const LayerContext& ctx);
+void drawAltAzGrid(const LayerContext& ctx);
+void drawEcliptic(const LayerContext& ctx, double jdUt);
+void drawConstellationLines(const LayerContext& ctx);
+void drawConstellationNames(const LayerContext& ctx);
+void drawDeepSkyObjects(const LayerContext& ctx, float magnitudeLimit, bool names);
+void drawHorizonAndCompass(const LayerContext& ctx, bool compass);
+void drawTelradRings(const LayerContext& ctx, const float (&ringsDeg)[3]);
+// Screen point of a J2000 place (false below the horizon or outside the chart's clip).
+bool skyToScreen(const ChartView& view, const SkyFrame& frame, double raHours, double decDeg, ScreenPoint& point);
+// Reddens the finished chart: luminance to red on black (inverted on the white scheme).
+void applyNightMode(cairo_surface_t* surface, bool whiteScheme);
+
+}  // namespace nocturnel

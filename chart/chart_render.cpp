@@ -1,0 +1,142 @@
+#include "chart/chart_render.h"
+
+#include <cmath>
+#include <cstdio>
+
+#include "catalog/catalogues.h"
+#include "chart/chart_labels.h"
+#include "chart/chart_layers.h"
+#include "chart/sky_objects.h"
+#include "chart/star_images.h"
+#include "chart/zoom_limits.h"
+#include "core/time.h"
+#include "settings/message.h"
+
+namespace nocturnel {
+namespace {
+
+// Magnitude step of a star: whole magnitudes (negative ones count as 0 ... -1), plus 1 on a
+// single-resolution screen.
+int magnitudeStep(double mag, int screenFactor) {
+    return static_cast<int>(std::floor(mag)) + (screenFactor == 1 ? 1 : 0);
+}
+
+// Brightest magnitude of the default stars named at a zoom level.
+double starNameLimit(int zoomLevel) { return zoomLevel <= 2 ? 1.5 : zoomLevel <= 5 ? 3.0 : 6.0; }
+
+bool box(int which) { return prefs().displayBox[which] != 0; }
+
+}  // namespace
+
+ChartView chartViewForRequest(const ChartRequest& request, double& jdUt) {
+    const ObservingMoment& m = request.moment;
+    const Preferences& p = prefs();
+    jdUt = julianDateFromLocal(m.year, m.month, m.day, m.hour, m.minute, m.second, p.utcOffsetMin);
+    ChartView view = makeChartView(request.width, request.height, request.projectionMode, p.latitudeDeg);
+    view.lstHours = localSiderealTime(m.year, m.month, m.day, m.hour, m.minute, m.second, p.longitudeDeg, p.utcOffsetMin);
+    setViewRotation(view, request.rotationDeg);
+    setZoomLevel(view, request.zoomLevel);
+    if (request.centreAzDeg && request.centreAltDeg) {
+        setViewCentreHorizontal(view, *request.centreAzDeg, *request.centreAltDeg);
+    } else if (request.centreRaHours && request.centreDecDeg) {
+        double ra = *request.centreRaHours, dec = *request.centreDecDeg;
+        if (request.precess) j2000ToDate(skyFrameForDate(jdUt), *request.centreRaHours, *request.centreDecDeg, ra, dec);
+        setViewCentreEquatorial(view, ra, dec);
+    } else {
+        setDefaultViewCentre(view);
+    }
+    return view;
+}
+
+ChartSurface renderChart(const ChartRequest& request, ChartResult& result) {
+    ChartSurface surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, request.width, request.height));
+    if (request.width <= 0 || request.height <= 0 || cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS) {
+        showMessage("Can't allocate offscreen window", "");
+        return nullptr;
+    }
+    const Preferences& p = prefs();
+    const ChartPalette palette = chartPalette(p.background, p.lineColor);
+    cairo_t* cr = cairo_create(surface.get());
+
+    result = {};
+    result.view = chartViewForRequest(request, result.jdUt);
+    const ChartView& view = result.view;
+    const SkyFrame frame = request.precess ? skyFrameForDate(result.jdUt) : SkyFrame{};
+    const double fontSize = labelFontSize();
+
+    if (request.present) {
+        cairo_set_source_rgb(cr, palette.sky.r, palette.sky.g, palette.sky.b);
+        cairo_paint(cr);
+        cairo_set_source_rgb(cr, palette.text.r, palette.text.g, palette.text.b);
+        paintLoadingMessage(cr, view.width, view.height / 2);
+        cairo_surface_flush(surface.get());
+        request.present(surface.get());
+    }
+    if (request.switchCatalogForZoom && p.cardCatalog > 0) switchStarCatalogForZoom(view.zoomLevel);
+
+    LabelGrid labels(view.width, view.height);
+    cairo_select_font_face(cr, "sans-serif", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
+    cairo_set_font_size(cr, fontSize);
+    const LayerContext ctx{cr, view, frame, palette, labels, fontSize};
+    // The corner label and the status line keep their places free of other labels.
+    labels.claim(0, 0, fontSize * 8, fontSize * 2.6);
+    labels.claim(0, view.height - fontSize * 1.6, fontSize * 18, fontSize * 1.6);
+
+    drawBackground(ctx);
+    if (box(kBoxAltAzGrid) && !box(kBoxHideGrid)) drawAltAzGrid(ctx);
+    if (box(kBoxEcliptic)) drawEcliptic(ctx, result.jdUt);
+    if (box(kBoxConstLines)) drawConstellationLines(ctx);
+    drawDeepSkyObjects(ctx, objectMagnitudeLimit(view.zoomLevel), box(kBoxObjNames));
+
+    // Stars are copied straight into the surface's pixels.
+    cairo_surface_flush(surface.get());
+    StarPainter painter(starStyleFromPreferences());
+    std::vector<std::pair<std::string, ScreenPoint>> starNames;
+    for (const DefaultStarRecord& star : chartBrightStars()) {
+        ScreenPoint point;
+        if (!skyToScreen(view, frame, star.raHours, star.decDeg, point)) continue;
+        painter.paintStar(surface.get(), view.zoomLevel, magnitudeStep(star.mag, view.screenFactor), star.colour, point.x,
+                          point.y);
+        result.bright.push_back({star.hip, point.x, point.y});
+        if ((star.flags & 1) != 0 && star.mag <= starNameLimit(view.zoomLevel))
+            starNames.emplace_back(std::string(star.name, std::find(star.name, star.name + sizeof star.name, '\0')), point);
+    }
+    result.fieldStars = loadFieldStars(
+        view, starMagnitudeLimit(view.zoomLevel), true, frame,
+        [&](int step, int colour, int x, int y) { painter.paintStar(surface.get(), view.zoomLevel, step, colour, x, y); },
+        request.stopRequested);
+    cairo_surface_mark_dirty(surface.get());
+
+    if (box(kBoxStarsLegend))
+        for (const auto& [name, point] : starNames) placeLabel(ctx, name, point.x + 2, point.y, palette.text);
+    if (box(kBoxConstNames)) drawConstellationNames(ctx);
+    drawHorizonAndCompass(ctx, !box(kBoxHideCompass));
+    if (box(kBoxTelrad)) drawTelradRings(ctx, p.telradRingDeg);
+
+    cairo_set_source_rgb(cr, palette.text.r, palette.text.g, palette.text.b);
+    paintFieldLabel(cr, 2, 2, view.zoomLevel);
+    if (!box(kBoxHideInfoBar)) {
+        const ObservingMoment& m = request.moment;
+        char date[32];
+        std::snprintf(date, sizeof date, "%04d-%02d-%02d", m.year, m.month, m.day);
+        const std::string status = statusLineText(date, m.hour, m.minute, view.lstHours);
+        cairo_move_to(cr, 3, view.height - fontSize * 0.5);
+        cairo_show_text(cr, status.c_str());
+    }
+    cairo_destroy(cr);
+    if (p.nightMode != 0) applyNightMode(surface.get(), p.background == 2);
+    cairo_surface_flush(surface.get());
+    if (request.present) request.present(surface.get());
+    return surface;
+}
+
+bool saveChartPng(cairo_surface_t* surface, const std::filesystem::path& path) {
+    if (surface == nullptr) return false;
+    if (cairo_surface_write_to_png(surface, path.c_str()) != CAIRO_STATUS_SUCCESS) {
+        showMessage("Can't create file", path.string());
+        return false;
+    }
+    return true;
+}
+
+}  // namespace nocturnel

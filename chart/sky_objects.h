@@ -1,0 +1,27 @@
+#pragma once
+// The chart's copies of the small catalogues it draws on every redraw: the 1,646 default bright
+// stars and a compact list of the deep-sky objects (position, magnitude, type, size, name).
+// Both are read once from the open catalogue slots and kept; forgetChartCatalogues() drops
+// them (after the catalogues are reopened).
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "catalog/formats.h"
+
+namespace nocturnel {
+
+struct ChartObject {
+    float raHours = 0, decDeg = 0;  // J2000
+    float mag = 0;                  // 0 unknown
+    float majorArcmin = 0, minorArcmin = 0;
+    int16_t positionAngleDeg = -1;
+    uint8_t type = 0;               // object-type code
+    std::string name;               // "M31, NGC224"
+};
+
+const std::vector<DefaultStarRecord>& chartBrightStars();
+const std::vector<ChartObject>& chartObjects();
+void forgetChartCatalogues();
+
+}  // namespace nocturnel

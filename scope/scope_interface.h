@@ -1,0 +1,53 @@
+#pragma once
+// The telescope operations every screen uses, whatever the drive: each switches on the
+// preference `scopeDrive` and calls the protocol module of the drive's family, connecting
+// and disconnecting around itself (a port held open by setHoldOpen stays open).
+//
+// Free functions named scope<Operation>. Results: 1 success, 0 failure (the message already
+// shown). Angles: RA in hours, Dec/Az/Alt in degrees. Directions: 0 north, 1 south, 2 east,
+// 3 west. Rates: 0 slew (fastest), 1 find, 2 centre, 3 guide (slowest).
+#include <functional>
+#include <string>
+
+#include "settings/preferences.h"
+
+namespace nocturnel {
+
+int scopeConnect();
+int scopeDisconnect();
+// The mount's own reading: RA/Dec, or Az/Alt for an encoder box on an alt-azimuth mount.
+int scopeReadPosition(double& raHours, double& decDeg);
+// The sky position the telescope points at, for the scope marker: alt-azimuth readings are
+// turned into RA/Dec (through the alignment mapping when one is set). The port is left to
+// the caller's scopeDisconnect so that repeated reads reuse it.
+int scopeTrackPosition(double& raHours, double& decDeg);
+// Target given as J2000 RA/Dec; sent in the pointing frame of the preferences. Drives that
+// cannot slew (none, Magellan, encoder boxes) show where the target is instead.
+int scopeGotoEquatorial(double raJ2000Hours, double decJ2000Deg);
+int scopeSyncEquatorial(double raJ2000Hours, double decJ2000Deg);
+int scopeSetSlewRate(int rate);
+int scopeStartMove(int direction);
+int scopeStopMove(int direction);
+int scopeStopAll();
+
+// The target of the last scopeGotoEquatorial / scopeSyncEquatorial, as it was sent or shown.
+struct ScopeTarget {
+    double raHours = 0, decDeg = 0;  // in the pointing frame
+    double azDeg = 0, altDeg = 0;
+    double horDeg = 0, elvDeg = 0;   // telescope angles (mapping, else the sky values)
+    int driveAnswer = 0;             // the protocol's own result
+};
+const ScopeTarget& lastScopeTarget();
+
+// The moment the operations take as "now" (local civil time at the site). By default the
+// machine clock with the preferences' UT offset; the command line fixes it for --date/--time
+// and tests install a fixed moment. An empty function restores the machine clock.
+void setScopeClock(std::function<ObservingMoment()> clock);
+ObservingMoment scopeNow();
+
+// Alt-azimuth to equatorial (azimuth from north through east), with the local sidereal time
+// in hours and the latitude in degrees; RA in [0, 24).
+void horizontalToEquatorial(double azDeg, double altDeg, double lstHours, double latitudeDeg, double& raHours,
+                            double& decDeg);
+
+}  // namespace nocturnel

@@ -1,0 +1,59 @@
+#pragma once
+// Takahashi mount (drive code 14, 19200 baud on the scope port of the preferences).
+// Results follow the program's convention: 1 success, 0 failure, with a message shown.
+//
+// Choices this module makes where the mount's conventions leave room:
+// - Line options: the even-parity option set (246) is applied only when the scope port
+//   number is 0. Port 0 is "no port" here, and the open fails before that step, so the rule
+//   never applies: the port runs at 19200 baud, 8 data bits, no parity, like the program
+//   always did in practice.
+// - Latitude, sidereal time and the pier-side procedure go to the mount once per run, on the
+//   first connection that the mount answers (a silent mount is not sent them, and the user is
+//   not asked the zenith question for it).
+// - Goto and sync read a 4-byte answer: "R0" accepted, "R1" wrong RA, "R2" wrong Dec, "R3"
+//   too many digits; nothing or anything else is "No response from Takahashi".
+// - Sync sends the position with the mount's "D" command (same layout as the goto) and reads
+//   the same answer.
+// - stopMove uses the second stop form ("M@": stop the hand motion) and, as the program always
+//   did, returns 0; stopAll uses the first form ("PS" then "s": stop the slew) and drops the
+//   mount's answer to "s" so it cannot prefix the next reply.
+// - The sidereal time sent is the value last handed over by takahashiSetSiderealTime (the
+//   dispatch hands the current one before its operations), or, when none was given since the
+//   last reset, the local sidereal time of the preferences' observing moment and site.
+// - A read that gets no usable position shows "No response from Takahashi".
+namespace nocturnel {
+
+inline constexpr int kTakahashiBaud = 19200;
+inline constexpr unsigned kTakahashiLineOptions = 246;  // even parity, hardware handshake
+
+// Module state, kept for the whole run.
+struct TakahashiState {
+    int latitudeSent = 0;      // latitude and pier side given to the mount on a connection
+    int gotoLatitudeSent = 0;  // the goto's own flag for the latitude
+    int pierSideAnswer = -1;   // zenith question: -1 not asked, 1 East (Yes), 0 West (No)
+    int moveSpeedSet = 0;      // 0 slow motion commands, 1 fast
+    char pierFlag = 0;         // status letter (byte 13) of the last position reply
+    bool hasSiderealTime = false;
+    double siderealTimeHours = 0;  // last value handed over by takahashiSetSiderealTime
+};
+const TakahashiState& takahashiState();
+void takahashiResetState();
+
+int takahashiConnect();
+int takahashiDisconnect();
+void takahashiSetSiderealTime(double lstHours);
+int takahashiReadRaDec(double& raHours, double& decDeg);
+int takahashiReadAltAz();
+int takahashiGoto(double raHours, double decDeg);
+int takahashiSync(double raHours, double decDeg);
+int takahashiSetRate(int rate);
+int takahashiStartMove(int direction);
+int takahashiStopMove(int direction);
+int takahashiStopAll();
+
+// The pier-side procedure polls the position while the mount reports 'F' (still moving),
+// pausing between polls, at most kTakahashiPierPollLimit times (two minutes at the normal pause).
+inline constexpr int kTakahashiPierPollLimit = 480;
+void setTakahashiPollPauseMillisecondsForTests(int milliseconds);
+
+}  // namespace nocturnel
