@@ -21,11 +21,6 @@ AlignmentState& state() {
     return s;
 }
 
-void copyName(char (&dest)[48], const std::string& name) {
-    std::memset(dest, 0, sizeof dest);
-    std::strncpy(dest, name.c_str(), sizeof dest - 1);
-}
-
 // The UT Julian date of the reference clock time on the local date of the alignment.
 double referenceJulianDate(const char* toTime, double alignmentJdUt) {
     double t0 = 0;
@@ -76,7 +71,7 @@ int computeAlignmentFromForm(const AlignmentForm& form, double nowJdUt) {
             readable = false;
             break;
         }
-        copyName(stars[i].name, f.name);
+        copyFixedText(stars[i].name, f.name.c_str());
         stars[i].time = *time * 15.0;
         stars[i].ra = *ra * 15.0;
         stars[i].dec = *dec;
@@ -99,7 +94,7 @@ int computeAlignmentFromForm(const AlignmentForm& form, double nowJdUt) {
     p.savedEncoderAltOffset = p.encoderAltOffset;
     p.savedEncoderAzOffset = p.encoderAzOffset;
     p.hasSavedAlignment = 1;
-    savePreferences();
+    savePreferences(prefs());
     return 1;
 }
 

@@ -22,7 +22,7 @@ double normalized(double value, double period) {
 MountGeometry mountGeometryFromPreferences() {
     MountGeometry g;
     g.altAzimuth = prefs().mountType == 1;
-    g.timeTerm = g.altAzimuth || isEncoderDrive(prefs().scopeDrive);
+    g.timeTerm = g.altAzimuth || (driveFamily(prefs().scopeDrive) == DriveFamily::EncoderBox);
     return g;
 }
 

@@ -43,7 +43,7 @@ std::string configDataSection() {
     appendf(text, "Latitude: %s\n", degreesToText(p.latitudeDeg, buf));
     appendf(text, "GMT: %d\n", p.utcOffsetMin);
     appendf(text, "ScopeDrive: %d\n", p.scopeDrive);
-    if (isEncoderDrive(p.scopeDrive)) {
+    if (driveFamily(p.scopeDrive) == DriveFamily::EncoderBox) {
         appendf(text, "Encoder Alt resolution: %d\n", p.encoderAltSteps);
         appendf(text, "Encoder Az resolution: %d\n", p.encoderAzSteps);
         appendf(text, "Encoder Alt offset: %d\n", p.encoderAltOffset);

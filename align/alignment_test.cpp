@@ -80,7 +80,9 @@ TEST_F(AlignmentTest, SavedAlignmentSurvivesARestart) {
     // A new run: a fresh record read back from the program folder, no matrix in memory.
     prefs() = Preferences{};
     clearAlignmentState();
-    loadPreferences();
+    applyStartDefaults(prefs());
+    ASSERT_EQ(loadPreferences(prefs()), PreferencesLoad::Loaded);
+    validatePreferences(prefs());
     ASSERT_EQ(prefs().hasSavedAlignment, 1);
     QuestionAnswerer yes(true);
     EXPECT_TRUE(offerAlignmentRestore());

@@ -13,7 +13,6 @@
 #include "catalog/objects.h"
 #include "catalog/record_file.h"
 #include "catalog/star_catalog.h"
-#include "core/fixed24.h"
 #include "settings/message.h"
 #include "settings/program_folder.h"
 
@@ -22,8 +21,6 @@ namespace {
 constexpr int kStarType = 30;  // "1STAR"
 constexpr int kHipLevel = 4;   // nocturnel_hip_110k.ppc
 constexpr int kHrLevel = 0;    // nocturnel_hr.ppc
-constexpr double kRadiansToHours = 12.0 / 3.14159265358979323846;
-constexpr double kRadiansToDegrees = 180.0 / 3.14159265358979323846;
 
 bool fileExists(const char* name) {
     std::error_code ec;
@@ -66,14 +63,14 @@ std::string designation(int catalogCode, int32_t number) {
 }
 
 bool findStar(const ObjectNameQuery& query, FoundObject& out) {
-    StarPosition star;
+    StarEntry star;
     bool found = false;
     if (query.catalogCode == kCatalogTycho) {
         const int level = fileExists(kStarCatalogFiles[6]) || !fileExists(kStarCatalogFiles[5]) ? 6 : 5;
-        found = ensureStarLevel(level) && findTychoStar(query.number, star);
+        found = ensureStarLevel(level) && findTychoEntry(query.number, star);
     } else {
         found = ensureStarLevel(query.catalogCode == kCatalogHR ? kHrLevel : kHipLevel) &&
-                findStarByNumber(query.number, star);
+                findStarEntryByNumber(query.number, star);
     }
     if (!found) {
         if (starCatalogSlot().isOpen()) reportNotFound(designation(query.catalogCode, query.number));
@@ -82,9 +79,10 @@ bool findStar(const ObjectNameQuery& query, FoundObject& out) {
     out.catalogCode = query.catalogCode;
     out.number = query.number;
     out.typeCode = kStarType;
-    out.raHours = fixedToDouble(star.ra) * kRadiansToHours;
-    out.decDeg = fixedToDouble(star.dec) * kRadiansToDegrees;
-    out.mag = star.mag / 16.0;
+    out.raHours = starEntryRaHours(star);
+    out.decDeg = starEntryDecDeg(star);
+    out.mag = star.mag16 / 16.0;
+    out.magKnown = true;
     out.name = designation(query.catalogCode, query.number);
     DefaultStarRecord bright;
     if (query.catalogCode != kCatalogTycho && matchingDefaultStar(query.catalogCode, query.number, bright)) {
@@ -111,6 +109,7 @@ bool findDeepSky(const ObjectNameQuery& query, FoundObject& out) {
     out.raHours = object.raHours;
     out.decDeg = object.decDeg;
     out.mag = object.mag;
+    out.magKnown = object.mag != 0.0f;
     out.majorArcmin = object.majorArcmin;
     out.minorArcmin = object.minorArcmin;
     const int known = static_cast<int>(constellations().constellations.size());

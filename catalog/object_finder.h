@@ -16,7 +16,8 @@ struct FoundObject {
     int typeCode = 0;         // row of the object-type table
     double raHours = 0;       // J2000
     double decDeg = 0;        // J2000
-    double mag = 0;           // visual magnitude, 0 unknown
+    double mag = 0;           // visual magnitude
+    bool magKnown = false;    // deep-sky objects store 0 for an unknown magnitude
     double majorArcmin = 0;   // apparent size, 0 unknown
     double minorArcmin = 0;
     int constellation = -1;   // record of nocturnel_constellation.ppc, -1 unknown

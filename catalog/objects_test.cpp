@@ -71,7 +71,7 @@ TEST(ObjectNameQueries, PrefixesAreMatchedLongestFirstIgnoringCase) {
 }
 
 TEST(ObjectNameQueries, UnreadableNamesAreRefused) {
-    for (const char* text : {"", "   ", "Vega", "NGC", "NGC -5", "NGC 0", "NGC 12x", "M 31 b", "XYZ 12",
+    for (const char* text : {"", "   ", "Vega", "NGC", "NGC --5", "NGC - 5x", "NGC 0", "NGC 12x", "M 31 b", "XYZ 12",
                              "NGC 1234567890", "TYC 4662-1234-2", "TYC 4662", "TYC 0-5-1", "TYC 12000-1-1",
                              "None 5"}) {
         ObjectNameQuery q;

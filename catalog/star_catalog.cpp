@@ -25,6 +25,9 @@ fixed24 component(int8_t value, int32_t constant) { return fixedMul(value * kCom
 
 constexpr int32_t kLargestStarNumber = 121000;
 constexpr int kHipIndexSlots = 42;
+// Star counts that identify the numbered catalogues (half-open ranges).
+constexpr uint32_t kHipCatalogueStars[2] = {118001, 120000};
+constexpr uint32_t kHrCatalogueStars[2] = {9101, 9200};
 
 StarEntry entryAt(const uint8_t* block, int k) {
     StarEntry entry;
@@ -43,18 +46,19 @@ const uint8_t* fetchBlock(int block) {
 struct HipLookup {
     int block = -1;
     bool found = false;
+    StarEntry entry{};
 };
 
-HipLookup lookupByNumber(int32_t number, StarPosition& out) {
+HipLookup lookupByNumber(int32_t number) {
     HipLookup result;
     if (number < 1 || number > kLargestStarNumber) return result;
     const uint32_t stars = starCatalogStarCount();
     const char* indexName = nullptr;
     uint32_t indexType = 0;
-    if (stars >= 118001 && stars < 120000) {
+    if (stars >= kHipCatalogueStars[0] && stars < kHipCatalogueStars[1]) {
         indexName = "nocturnel_hip_110k_idx.ppc";
         indexType = kHipIndexType;
-    } else if (stars >= 9101 && stars < 9200) {
+    } else if (stars >= kHrCatalogueStars[0] && stars < kHrCatalogueStars[1]) {
         indexName = "nocturnel_hr_idx.ppc";
         indexType = kHrIndexType;
     } else {
@@ -89,7 +93,7 @@ HipLookup lookupByNumber(int32_t number, StarPosition& out) {
     for (int k = 0; k < starsPerBlock(); ++k) {
         const StarEntry entry = entryAt(record, k);
         if (entry.number == number) {
-            decodeStarEntry(entry, out);
+            result.entry = entry;
             result.found = true;
             break;
         }
@@ -179,11 +183,33 @@ int32_t readStarBySequence(uint32_t sequence, StarPosition& out) {
     return entry.number;
 }
 
-int findStarByHip(int32_t number, StarPosition& out) { return lookupByNumber(number, out).block; }
+int findStarByHip(int32_t number, StarPosition& out) {
+    const HipLookup lookup = lookupByNumber(number);
+    if (lookup.found) decodeStarEntry(lookup.entry, out);
+    return lookup.block;
+}
 
-bool findStarByNumber(int32_t number, StarPosition& out) { return lookupByNumber(number, out).found; }
+bool findStarByNumber(int32_t number, StarPosition& out) {
+    StarEntry entry;
+    if (!findStarEntryByNumber(number, entry)) return false;
+    decodeStarEntry(entry, out);
+    return true;
+}
+
+bool findStarEntryByNumber(int32_t number, StarEntry& out) {
+    const HipLookup lookup = lookupByNumber(number);
+    if (lookup.found) out = lookup.entry;
+    return lookup.found;
+}
 
 bool findTychoStar(int32_t number, StarPosition& out) {
+    StarEntry entry;
+    if (!findTychoEntry(number, entry)) return false;
+    decodeStarEntry(entry, out);
+    return true;
+}
+
+bool findTychoEntry(int32_t number, StarEntry& out) {
     if (number < 0) return false;
     const int32_t region = number / 100000;
 
@@ -216,7 +242,7 @@ bool findTychoStar(int32_t number, StarPosition& out) {
         for (int k = 0; k < starsPerBlock(); ++k) {
             const StarEntry entry = entryAt(entries, k);
             if (entry.number == number) {
-                decodeStarEntry(entry, out);
+                out = entry;
                 return true;
             }
         }

@@ -37,6 +37,9 @@ int findStarByHip(int32_t number, StarPosition& out);
 bool findStarByNumber(int32_t number, StarPosition& out);
 // Tycho star region * 100,000 + number -> true when found.
 bool findTychoStar(int32_t number, StarPosition& out);
+// The same lookups handing out the packed entry (for the floating-point decoding).
+bool findStarEntryByNumber(int32_t number, StarEntry& out);
+bool findTychoEntry(int32_t number, StarEntry& out);
 
 // Number of stars in the open optional catalogue (records x stars per block).
 uint32_t starCatalogStarCount();

@@ -258,6 +258,7 @@ void drawDeepSkyObjects(const LayerContext& ctx, float magnitudeLimit, bool name
         const double major = std::clamp(object.majorArcmin * pixelsPerArcmin / 2, 3.0, 200.0);
         const double minor = object.minorArcmin > 0 ? std::clamp(object.minorArcmin * pixelsPerArcmin / 2, 2.0, major) : major;
         const double x = p.x, y = p.y;
+        cairo_new_path(cr);
         switch (group) {
             case 3: {  // galaxies: an ellipse along the position angle
                 setColour(cr, ctx.palette.galaxy);
@@ -339,16 +340,24 @@ void drawHorizonAndCompass(const LayerContext& ctx, bool compass) {
 void drawTelradRings(const LayerContext& ctx, const float (&ringsDeg)[3]) {
     cairo_set_line_width(ctx.cr, 1.2);
     setColour(ctx.cr, ctx.palette.telrad);
+    // The ring's points from the centre's unit vector (north, east, up) and two unit vectors
+    // across it, which stays well defined at the zenith.
     const double altC = ctx.view.centreAltDeg * kDegToRad, azC = ctx.view.centreAzDeg * kDegToRad;
+    const double centre[3] = {std::cos(altC) * std::cos(azC), std::cos(altC) * std::sin(azC), std::sin(altC)};
+    const double up[3] = {-std::sin(altC) * std::cos(azC), -std::sin(altC) * std::sin(azC), std::cos(altC)};
+    const double across[3] = {-std::sin(azC), std::cos(azC), 0};
     for (float ringDeg : ringsDeg) {
         if (!(ringDeg > 0) || ringDeg > 90) continue;
-        const double rho = ringDeg * kDegToRad;
+        const double rho = ringDeg / 2 * kDegToRad;  // the ring sizes are diameters
         std::vector<MaybePoint> points;
         for (int i = 0; i <= 144; ++i) {
             const double bearing = 2 * M_PI * i / 144;
-            const double alt = std::asin(std::sin(altC) * std::cos(rho) + std::cos(altC) * std::sin(rho) * std::cos(bearing));
-            const double az = azC + std::atan2(std::sin(bearing) * std::sin(rho) * std::cos(altC),
-                                               std::cos(rho) - std::sin(altC) * std::sin(alt));
+            double p[3];
+            for (int k = 0; k < 3; ++k)
+                p[k] = centre[k] * std::cos(rho) +
+                       (up[k] * std::cos(bearing) + across[k] * std::sin(bearing)) * std::sin(rho);
+            const double alt = std::asin(std::clamp(p[2], -1.0, 1.0));
+            const double az = std::atan2(p[1], p[0]);
             points.push_back(horizontalPoint(ctx.view, az / kDegToRad, alt / kDegToRad));
         }
         strokeCurve(ctx, points);

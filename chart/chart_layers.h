@@ -53,6 +53,7 @@ void drawConstellationLines(const LayerContext& ctx);
 void drawConstellationNames(const LayerContext& ctx);
 void drawDeepSkyObjects(const LayerContext& ctx, float magnitudeLimit, bool names);
 void drawHorizonAndCompass(const LayerContext& ctx, bool compass);
+// Rings of the given diameters (degrees) around the chart's centre.
 void drawTelradRings(const LayerContext& ctx, const float (&ringsDeg)[3]);
 // Screen point of a J2000 place (false below the horizon or outside the chart's clip).
 bool skyToScreen(const ChartView& view, const SkyFrame& frame, double raHours, double decDeg, ScreenPoint& point);

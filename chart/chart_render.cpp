@@ -34,7 +34,7 @@ ChartView chartViewForRequest(const ChartRequest& request, double& jdUt) {
     jdUt = julianDateFromLocal(m.year, m.month, m.day, m.hour, m.minute, m.second, p.utcOffsetMin);
     ChartView view = makeChartView(request.width, request.height, request.projectionMode, p.latitudeDeg);
     view.lstHours = localSiderealTime(m.year, m.month, m.day, m.hour, m.minute, m.second, p.longitudeDeg, p.utcOffsetMin);
-    setViewRotation(view, request.rotationDeg);
+    setViewRotation(view, request.rotationDeg.value_or(0));
     setZoomLevel(view, request.zoomLevel);
     if (request.centreAzDeg && request.centreAltDeg) {
         setViewCentreHorizontal(view, *request.centreAzDeg, *request.centreAltDeg);
@@ -44,6 +44,13 @@ ChartView chartViewForRequest(const ChartRequest& request, double& jdUt) {
         setViewCentreEquatorial(view, ra, dec);
     } else {
         setDefaultViewCentre(view);
+        return view;
+    }
+    if (!request.rotationDeg) {
+        // Facing the centre: its azimuth at the bottom of the chart.
+        const double az = view.centreAzDeg, alt = view.centreAltDeg;
+        setViewRotation(view, static_cast<int>(std::lround(az + 180)) % 360);
+        setViewCentreHorizontal(view, az, alt);
     }
     return view;
 }

@@ -35,7 +35,9 @@ struct ChartRequest {
     int width = 800, height = 800;        // pixels
     int zoomLevel = 0;                    // 0..12
     int projectionMode = 0;               // 0 stereographic, 1 rectangular alt-az
-    int rotationDeg = 0;                  // azimuth at the top of a mode 0 chart (0: facing south)
+    // View rotation (azimuth at the top of a mode 0 chart). Unset: facing the given centre's
+    // azimuth (that azimuth at the bottom), or south without a centre.
+    std::optional<int> rotationDeg;
     std::optional<double> centreAzDeg, centreAltDeg;     // view centre as az/alt ...
     std::optional<double> centreRaHours, centreDecDeg;   // ... or as RA/Dec of date
     ObservingMoment moment;               // local civil time at the site of prefs()

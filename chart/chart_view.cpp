@@ -169,16 +169,22 @@ bool projectStarFixed(const ChartView& view, fixed24 lst, fixed24 ra, fixed24 de
         const int64_t unitsPerRadian = static_cast<int64_t>(kRadToDegOver64 * view.scale);
         fixed24 az = fixedAtan2(east, north);
         if (az < 0) az += kFixed24TwoPi;
-        v = static_cast<int32_t>((az * unitsPerRadian) >> kFixed24Shift);
-        u = static_cast<int32_t>((static_cast<int64_t>(fixedAsin(sinAlt)) * unitsPerRadian) >> kFixed24Shift);
+        v = static_cast<int32_t>(az * unitsPerRadian / kFixed24One);
+        // The altitude from its sine and cosine stays accurate near the zenith, where an arc
+        // sine of the sine alone would not.
+        const uint64_t cosSquared = static_cast<uint64_t>(static_cast<int64_t>(north) * north) +
+                                    static_cast<uint64_t>(static_cast<int64_t>(east) * east);
+        const fixed24 alt = fixedAtan2(sinAlt, static_cast<int32_t>(integerSqrt(cosSquared)));
+        u = static_cast<int32_t>(static_cast<int64_t>(alt) * unitsPerRadian / kFixed24One);
         return true;
     }
     // tan((pi/2 - h)/2) (cos A, sin A) = (north, east) / (1 + sin h).
     const int64_t denominator = int64_t{kFixed24One} + sinAlt;
     const int64_t p = (static_cast<int64_t>(north) << kFixed24Shift) / denominator;
     const int64_t q = (static_cast<int64_t>(east) << kFixed24Shift) / denominator;
-    u = static_cast<int32_t>((view.sinRotationScaled * q + view.cosRotationScaled * p) >> kFixed24Shift);
-    v = static_cast<int32_t>((view.cosRotationScaled * q - view.sinRotationScaled * p) >> kFixed24Shift);
+    // Divisions (not shifts) truncate toward zero like the floating-point path.
+    u = static_cast<int32_t>((view.sinRotationScaled * q + view.cosRotationScaled * p) / kFixed24One);
+    v = static_cast<int32_t>((view.cosRotationScaled * q - view.sinRotationScaled * p) / kFixed24One);
     return true;
 }
 

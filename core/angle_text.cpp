@@ -40,7 +40,7 @@ char* writeDecimal(double value, char* buf) {
 // [0, 24]: negative values gain 24 until not negative, values above 24 lose 24 until not
 // above (an exact 24 stays). fmod first so huge inputs cannot spin the loops.
 double wrapHoursForText(double x) {
-    if (std::fabs(x) > 48.0) x = std::fmod(x, 24.0);
+    if (!(std::fabs(x) <= 48.0)) x = std::fmod(x, 24.0);
     while (x < 0) x += 24.0;
     while (x > 24.0) x -= 24.0;
     return x;

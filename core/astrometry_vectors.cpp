@@ -8,7 +8,7 @@ namespace nocturnel {
 
 namespace {
 constexpr double kAuMetres = 1.4959787e11;
-constexpr double kLightMetresPerSecond = 2.99792458e8;
+constexpr double kLightMetresPerSecond = kLightAuPerDay * kAuMetres / kSecondsPerDay;
 constexpr double kSunGravitationalParameter = 1.32712438e20;  // m^3/s^2
 }  // namespace
 
@@ -56,7 +56,7 @@ Vec3 solarDeflection(const Vec3& position, const Vec3& observerHeliocentricAu) {
                           (xiFinal / std::sqrt(1.0 + xiFinal * xiFinal) - xiInitial / std::sqrt(1.0 + xiInitial * xiInitial));
     const double delphp = delphi / (1.0 + pemag / pqmag);
     const double f = delphp * p1mag / sind;
-    return position - f * (cosd * pehat + p1hat);
+    return position + f * (cosd * p1hat + pehat);  // rotated away from the Sun in the plane of star and Sun
 }
 
 Vec3 aberration(const Vec3& position, const Vec3& observerVelocityAuPerDay, double lightTimeDays) {

@@ -36,7 +36,7 @@ constexpr double kSiderealRate = 1.00273790935;  // sidereal hours per UT hour
 // Brings an hour value into [0, 24] the way the sidereal-time loop does (an exact 24.0 stays),
 // without looping for ever on huge or infinite values.
 double wrapHoursKeeping24(double h) {
-    if (std::isfinite(h) && std::fabs(h) > 48.0) h = std::fmod(h, 24.0);
+    if (!(std::fabs(h) <= 48.0)) h = std::fmod(h, 24.0);  // infinity becomes NaN and stops the loops
     while (h < 0) h += 24.0;
     while (h > 24.0) h -= 24.0;
     return h;

@@ -1,8 +1,10 @@
 #include "scope/encoder_box.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <thread>
 

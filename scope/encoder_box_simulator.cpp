@@ -58,6 +58,7 @@ bool answerOne(int driveCode, EncoderBoxSimulation& sim, std::string& pending, s
 }  // namespace
 
 PtyMount::Responder makeEncoderResponder(int driveCode, std::shared_ptr<EncoderBoxSimulation> simulation) {
+    if (!simulation) simulation = std::make_shared<EncoderBoxSimulation>();
     return [driveCode, simulation](std::string& pending) {
         std::lock_guard lock(simulation->mutex);
         std::string reply;

@@ -27,6 +27,7 @@ struct EncoderBoxSimulation {
     int queryCount = 0;
 };
 
-PtyMount::Responder makeEncoderResponder(int driveCode, std::shared_ptr<EncoderBoxSimulation> simulation);
+// A fresh simulation (counts 0, 0) when none is given.
+PtyMount::Responder makeEncoderResponder(int driveCode, std::shared_ptr<EncoderBoxSimulation> simulation = nullptr);
 
 }  // namespace nocturnel

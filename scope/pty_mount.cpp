@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <chrono>
 #include <cstring>
 #include <utility>
 
@@ -82,6 +83,19 @@ void PtyMount::clearReceived() {
     received_.clear();
 }
 
+bool PtyMount::send(const std::string& bytes) {
+    std::lock_guard lock(mutex_);
+    if (master_ < 0) return false;
+    writeAll(master_, bytes);
+    return true;
+}
+
+bool PtyMount::waitUntilReceived(const std::string& tail, int timeoutMs) const {
+    std::unique_lock lock(mutex_);
+    return changed_.wait_for(lock, std::chrono::milliseconds(timeoutMs),
+                             [&] { return !answering_ && received_.ends_with(tail); });
+}
+
 void PtyMount::setResponder(Responder responder) {
     std::lock_guard lock(mutex_);
     responder_ = std::move(responder);
@@ -125,6 +139,7 @@ void PtyMount::run() {
         std::string reply;
         {
             std::lock_guard lock(mutex_);
+            answering_ = true;
             received_.append(chunk.data(), static_cast<std::size_t>(n));
             pending_.append(chunk.data(), static_cast<std::size_t>(n));
             if (responder_) {
@@ -139,6 +154,11 @@ void PtyMount::run() {
             }
         }
         if (!reply.empty()) writeAll(master_, reply);
+        {
+            std::lock_guard lock(mutex_);
+            answering_ = false;
+        }
+        changed_.notify_all();
     }
 }
 

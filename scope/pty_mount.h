@@ -3,6 +3,7 @@
 // its serial port; every byte it writes arrives here, is handed to the responder, and the
 // responder's answer goes back down the line. Used by the protocol tests and by the
 // `nocturnel scope simulate` command.
+#include <condition_variable>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -29,6 +30,11 @@ public:
     std::string received() const;  // every byte received so far (the transcript)
     void clearReceived();
     void setResponder(Responder responder);
+    // Sends bytes down the line unasked (a late answer, a GPS sentence). False when closed.
+    bool send(const std::string& bytes);
+    // Waits (at most timeoutMs) until the transcript ends with `tail` and the answer to it has
+    // been written back; false on time-out. For commands whose answer the program never reads.
+    bool waitUntilReceived(const std::string& tail, int timeoutMs = 2000) const;
 
     // The device vanishes (USB unplugged): the thread stops and both ends are closed, so the
     // program's reads see a hang-up and the device path no longer opens.
@@ -47,6 +53,8 @@ private:
     Responder responder_;
     std::string pending_;
     std::string received_;
+    bool answering_ = false;  // a chunk is between its arrival and its written answer
+    mutable std::condition_variable changed_;
     std::thread thread_;
 };
 

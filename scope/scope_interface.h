@@ -6,6 +6,17 @@
 // Free functions named scope<Operation>. Results: 1 success, 0 failure (the message already
 // shown). Angles: RA in hours, Dec/Az/Alt in degrees. Directions: 0 north, 1 south, 2 east,
 // 3 west. Rates: 0 slew (fastest), 1 find, 2 centre, 3 guide (slowest).
+//
+// Where the drive table leaves room, this dispatch:
+// - shows the target for a GoTo on an encoder box (it cannot slew; the user pushes the tube),
+//   and sets the box's offsets for a Sync so that its reading becomes the target's angles;
+// - answers Sync on ServoCat and SkyCommander (no sync command) with "Sync not supported for
+//   the drive you selected", and GoTo/Sync on PowerFlex and Dynastar with "Scope Connect not
+//   supported for the drive you selected";
+// - counts an LX200 GoTo as done when the mount answers 0 (slewing) and no command failed;
+// - uses the alignment mapping (mount_mapping.h) for the encoder boxes and code 0 only: their
+//   tracked position goes through mountToSky, and the scope lines of a shown target through
+//   skyToMount. readPosition always returns the mount's raw reading (the alignment needs it).
 #include <functional>
 #include <string>
 

@@ -194,6 +194,26 @@ TEST_F(SerialLinkTest, ShortReplyReturnsTheCountThatCame) {
     EXPECT_EQ(std::string(buffer, 4), "12:3");
 }
 
+TEST_F(SerialLinkTest, ReadEndsWhenTheLineFallsSilentBetweenBytes) {
+    PtyMount mount([](std::string& pending) {
+        pending.clear();
+        return std::string("AB");
+    });
+    ASSERT_EQ(serialOpen(selectAsScopePort(mount), 9600), 1);
+    ASSERT_EQ(serialWrite("?", 1), 1);
+    // The rest comes 700 ms later: past the 400 ms between bytes, within the 1200 ms total.
+    std::thread late([&mount] {
+        std::this_thread::sleep_for(700ms);
+        mount.send("CD");
+    });
+    char buffer[400];
+    int got = serialRead(buffer, sizeof buffer);
+    late.join();
+    EXPECT_EQ(got, 2);
+    EXPECT_EQ(serialRead(buffer, 2), 2);  // the late bytes wait for the next read
+    EXPECT_EQ(std::string(buffer, 2), "CD");
+}
+
 TEST_F(SerialLinkTest, DeviceUnpluggedDuringAReadEndsTheReadWithNothing) {
     PtyMount mount(silent);
     ASSERT_EQ(serialOpen(selectAsScopePort(mount), 9600), 1);

@@ -1,5 +1,6 @@
 #include "scope/skycommander.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 

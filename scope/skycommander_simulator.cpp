@@ -11,9 +11,9 @@ namespace {
 void takeTarget(SkyCommanderSimulation& sim, const std::string& text) {
     sim.lastTarget = text;
     ++sim.targetCount;
-    const char* p = text.c_str() + 2;
+    const char* p = text.c_str() + 1;  // after the 'L'
     char* end = nullptr;
-    std::strtol(p, &end, 10);  // the "0" after 'L'
+    std::strtol(p, &end, 10);  // the "0" after the 'L'
     const double first = std::strtod(end, &end);
     const double second = std::strtod(end, &end);
     sim.first = first;
@@ -23,6 +23,7 @@ void takeTarget(SkyCommanderSimulation& sim, const std::string& text) {
 }  // namespace
 
 PtyMount::Responder makeSkyCommanderResponder(std::shared_ptr<SkyCommanderSimulation> simulation) {
+    if (!simulation) simulation = std::make_shared<SkyCommanderSimulation>();
     return [simulation](std::string& pending) {
         std::lock_guard lock(simulation->mutex);
         SkyCommanderSimulation& sim = *simulation;

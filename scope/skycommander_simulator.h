@@ -24,6 +24,7 @@ struct SkyCommanderSimulation {
     int targetCount = 0;
 };
 
-PtyMount::Responder makeSkyCommanderResponder(std::shared_ptr<SkyCommanderSimulation> simulation);
+// A fresh simulation (position 0, 0) when none is given.
+PtyMount::Responder makeSkyCommanderResponder(std::shared_ptr<SkyCommanderSimulation> simulation = nullptr);
 
 }  // namespace nocturnel

@@ -1,11 +1,14 @@
 #include "scope/takahashi.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
+#include <optional>
 #include <string>
 #include <thread>
 
 #include "core/time.h"
+#include "scope/scope_interface.h"
 #include "scope/serial_link.h"
 #include "scope/takahashi_wire.h"
 #include "settings/message.h"
@@ -27,12 +30,21 @@ int& pollPauseMs() {
     return pause;
 }
 
-// Local sidereal time of the preferences' observing moment and site, hours.
-double siderealTimeOfMoment() {
+// Local sidereal time now (the telescope operations' clock) at the site of the preferences, hours.
+double siderealTimeNow() {
     const Preferences& p = prefs();
-    const ObservingMoment& m = p.moment;
+    const ObservingMoment m = scopeNow();
     return localSiderealTime(m.year, m.month, m.day, m.hour, m.minute, m.second, p.longitudeDeg, p.utcOffsetMin);
 }
+
+// A sidereal time handed over by takahashiSetSiderealTime serves the operation that follows
+// it, and only that one: later operations take the clock again rather than a stale value.
+struct HandedSiderealTimeServesOneOperation {
+    HandedSiderealTimeServesOneOperation() = default;
+    HandedSiderealTimeServesOneOperation(const HandedSiderealTimeServesOneOperation&) = delete;
+    HandedSiderealTimeServesOneOperation& operator=(const HandedSiderealTimeServesOneOperation&) = delete;
+    ~HandedSiderealTimeServesOneOperation() { state().siderealTimePending = false; }
+};
 
 bool send(const std::string& label, std::string_view bytes) {
     traceMessage(label, std::string(bytes));
@@ -48,7 +60,7 @@ std::string receive(const std::string& label, std::size_t max) {
 }
 
 bool sendSiderealTime() {
-    const double lst = state().hasSiderealTime ? state().siderealTimeHours : siderealTimeOfMoment();
+    const double lst = state().siderealTimePending ? state().siderealTimeHours : siderealTimeNow();
     return send("QueryEQ:Send localSiderealTime", takahashiSiderealTimeCommand(lst));
 }
 
@@ -127,6 +139,7 @@ void takahashiResetState() { state() = TakahashiState{}; }
 void setTakahashiPollPauseMillisecondsForTests(int milliseconds) { pollPauseMs() = milliseconds < 0 ? 0 : milliseconds; }
 
 int takahashiConnect() {
+    HandedSiderealTimeServesOneOperation operation;
     if (!serialOpen(prefs().scopePort, kTakahashiBaud)) {
         showMessage("Fail to open serial connection");
         return 0;
@@ -159,9 +172,11 @@ int takahashiDisconnect() {
 void takahashiSetSiderealTime(double lstHours) {
     state().hasSiderealTime = true;
     state().siderealTimeHours = lstHours;
+    state().siderealTimePending = true;
 }
 
 int takahashiReadRaDec(double& raHours, double& decDeg) {
+    HandedSiderealTimeServesOneOperation operation;
     auto position = queryPosition();
     if (!position) {
         showMessage("No response from Takahashi");
@@ -177,9 +192,15 @@ int takahashiReadAltAz() {
     return 0;
 }
 
-int takahashiGoto(double raHours, double decDeg) { return sendPosition(takahashiGotoCommand(raHours, decDeg)); }
+int takahashiGoto(double raHours, double decDeg) {
+    HandedSiderealTimeServesOneOperation operation;
+    return sendPosition(takahashiGotoCommand(raHours, decDeg));
+}
 
-int takahashiSync(double raHours, double decDeg) { return sendPosition(takahashiSyncCommand(raHours, decDeg)); }
+int takahashiSync(double raHours, double decDeg) {
+    HandedSiderealTimeServesOneOperation operation;
+    return sendPosition(takahashiSyncCommand(raHours, decDeg));
+}
 
 int takahashiSetRate(int rate) {
     const auto set = takahashiSpeedSetForRate(rate);

@@ -17,9 +17,9 @@
 // - stopMove uses the second stop form ("M@": stop the hand motion) and, as the program always
 //   did, returns 0; stopAll uses the first form ("PS" then "s": stop the slew) and drops the
 //   mount's answer to "s" so it cannot prefix the next reply.
-// - The sidereal time sent is the value last handed over by takahashiSetSiderealTime (the
-//   dispatch hands the current one before its operations), or, when none was given since the
-//   last reset, the local sidereal time of the preferences' observing moment and site.
+// - The sidereal time sent is the one handed over by takahashiSetSiderealTime just before the
+//   operation, for that operation only; otherwise the local sidereal time of the telescope
+//   clock (scopeNow) at the site of the preferences, so a later goto never sends a stale one.
 // - A read that gets no usable position shows "No response from Takahashi".
 namespace nocturnel {
 
@@ -33,14 +33,16 @@ struct TakahashiState {
     int pierSideAnswer = -1;   // zenith question: -1 not asked, 1 East (Yes), 0 West (No)
     int moveSpeedSet = 0;      // 0 slow motion commands, 1 fast
     char pierFlag = 0;         // status letter (byte 13) of the last position reply
-    bool hasSiderealTime = false;
-    double siderealTimeHours = 0;  // last value handed over by takahashiSetSiderealTime
+    bool hasSiderealTime = false;  // a value was handed over by takahashiSetSiderealTime
+    double siderealTimeHours = 0;  // the last value handed over, hours
+    bool siderealTimePending = false;  // that value still serves the next operation
 };
 const TakahashiState& takahashiState();
 void takahashiResetState();
 
 int takahashiConnect();
 int takahashiDisconnect();
+// The local sidereal time (hours) for the next operation (connect, read, goto or sync).
 void takahashiSetSiderealTime(double lstHours);
 int takahashiReadRaDec(double& raHours, double& decDeg);
 int takahashiReadAltAz();

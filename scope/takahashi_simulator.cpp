@@ -96,6 +96,7 @@ std::string answerLine(TakahashiSimulation& sim, const std::string& line) {
 }  // namespace
 
 PtyMount::Responder makeTakahashiResponder(std::shared_ptr<TakahashiSimulation> simulation) {
+    if (!simulation) simulation = std::make_shared<TakahashiSimulation>();
     return [simulation](std::string& pending) {
         std::lock_guard lock(simulation->mutex);
         std::string reply;

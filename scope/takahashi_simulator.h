@@ -37,6 +37,7 @@ struct TakahashiSimulation {
     bool slewing = false;
 };
 
-PtyMount::Responder makeTakahashiResponder(std::shared_ptr<TakahashiSimulation> simulation);
+// A fresh simulation (West side, RA 6h, Dec +45) when none is given.
+PtyMount::Responder makeTakahashiResponder(std::shared_ptr<TakahashiSimulation> simulation = nullptr);
 
 }  // namespace nocturnel

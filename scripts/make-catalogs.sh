@@ -1,11 +1,15 @@
 #!/usr/bin/env bash
 # Builds data/ of a program folder from the public sources when it is missing.
 # Usage: make-catalogs.sh BUILD_DIR
+# NOCTURNEL_SOURCES names the sources folder (default ~/.cache/nocturnel/sources);
+# NOCTURNEL_TYCHO2 may name a Tycho-2 tyc2.dat to build the Tycho files as well.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 bin="$root/${1:?usage: make-catalogs.sh BUILD_DIR}/bin"
 sources=${NOCTURNEL_SOURCES:-${XDG_CACHE_HOME:-$HOME/.cache}/nocturnel/sources}
 if [ ! -f "$bin/data/nocturnel_default_stars.ppc" ] || [ ! -f "$bin/data/SOURCES" ]; then
   "$root/scripts/fetch-sources.sh" "$sources"
-  "$bin/nocturnel" --home "$bin" catalog build --sources "$sources"
+  tycho=()
+  if [ -n "${NOCTURNEL_TYCHO2:-}" ]; then tycho=(--tycho2 "$NOCTURNEL_TYCHO2"); fi
+  "$bin/nocturnel" --home "$bin" catalog build --sources "$sources" "${tycho[@]}"
 fi

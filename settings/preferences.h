@@ -5,6 +5,7 @@
 // list as shown (see preference_lists.h for the lists and the reverse-insertion rule).
 // Angles are degrees (f32); longitude is positive WEST.
 #include <cstdint>
+#include <cstring>
 #include <type_traits>
 
 namespace nocturnel {
@@ -152,5 +153,35 @@ static_assert(std::is_trivially_copyable_v<Preferences>);
 
 // The single process-wide record.
 Preferences& prefs();
+
+// Start-up step 1 on a record: the current site becomes "None" at 48.1 N, 1.8 W, UT+60 min,
+// with its sine/cosine caches, and the drive code 5. A fresh Preferences{} plus this is the
+// record of a first start.
+void applyStartDefaults(Preferences& p);
+// Start-up steps 2..8: every field brought back into range by replacement, the fields that are
+// fixed at every start forced, the observing moment taken from the machine clock.
+void validatePreferences(Preferences& p);
+// Steps 1..8 in order (a full reset of the site block and the forced fields).
+void resetAndValidatePreferences(Preferences& p);
+// A fresh record after a full reset: what a first start or "prefs reset" gives.
+Preferences defaultPreferences();
+
+// Stores latitude (degrees north), longitude (degrees WEST) and the UT offset (minutes) of the
+// current site, refreshing sinLatitude/cosLatitude in the same step.
+void setSitePosition(Preferences& p, double latitudeDeg, double longitudeWestDeg, int utcOffsetMin);
+void setSitePosition(double latitudeDeg, double longitudeWestDeg, int utcOffsetMin);  // on prefs()
+
+// Copies text into a fixed char field, cut to at most maxChars characters and NUL-terminated.
+template <std::size_t N>
+void copyFixedText(char (&field)[N], const char* text, std::size_t maxChars = N - 1);
+
+template <std::size_t N>
+void copyFixedText(char (&field)[N], const char* text, std::size_t maxChars) {
+    if (maxChars > N - 1) maxChars = N - 1;
+    std::size_t n = 0;
+    while (text && n < maxChars && text[n] != '\0') ++n;
+    std::memset(field, 0, N);
+    if (n) std::memcpy(field, text, n);
+}
 
 }  // namespace nocturnel

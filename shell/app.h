@@ -1,6 +1,9 @@
 #pragma once
 // Start-up and the options every command shares.
 #include <string>
+#include <string_view>
+
+#include "settings/preferences.h"
 
 namespace nocturnel {
 
@@ -13,9 +16,18 @@ struct GlobalOptions {
 
 GlobalOptions& globalOptions();
 
-// The start-up order: program folder, preferences (loaded, then reset and validated), the
-// observing moment from --date/--time or the clock. False (message shown) on failure.
+// The start-up order: program folder, preferences (defaults, the saved record read over them,
+// then validated), the observing moment from --date/--time or the clock. False (message shown)
+// on failure.
 bool startUp();
+
+// --date and --time texts over a moment: "YYYY-MM-DD" (year 0..9999) and "HH:MM" or
+// "HH:MM:SS". False when the text is not a real date or time (the moment is then unchanged).
+bool readDateOption(std::string_view text, ObservingMoment& moment);
+bool readTimeOption(std::string_view text, ObservingMoment& moment);
+
+// Saves prefs(); false (message shown, exit code 1) on failure.
+bool savePrefsForCommand();
 
 // Exit code of the command line (0 success).
 void setExitCode(int code);

@@ -68,7 +68,7 @@ void printMatrix() {
 // RA (as degrees) and Dec.
 bool readTelescopeAngles(double& hor, double& elv) {
     const int code = prefs().scopeDrive;
-    if (isEncoderDrive(code)) {
+    if (driveFamily(code) == DriveFamily::EncoderBox) {
         if (!encoderConnect(code)) return false;
         const int ok = encoderReadAzAlt(code, hor, elv);
         encoderDisconnect();

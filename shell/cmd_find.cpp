@@ -1,4 +1,5 @@
 // nocturnel find NAME: any catalogued object by catalogue prefix and number.
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <iostream>
@@ -26,6 +27,16 @@ std::string constellationName(int number) {
     return name;
 }
 
+// Declinations carry their sign both ways ("+38°47'01", "-16°42'58").
+std::string declinationText(double decDeg) {
+    const std::string text = toUtf8(degreesText(decDeg));
+    return (text.empty() || text[0] == '-' || text[0] == '+') ? text : "+" + text;
+}
+
+// Magnitudes and sizes are stored as floats: three decimals keep all they hold without the
+// noise of widening them to double.
+double roundedValue(double value) { return std::round(value * 1000.0) / 1000.0; }
+
 std::string sizeText(const FoundObject& object) {
     if (object.majorArcmin <= 0) return {};
     char text[48];
@@ -42,8 +53,8 @@ void printObject(const FoundObject& object) {
     std::cout << object.name << "\n";
     std::cout << "Type:          " << objectTypeName(object.typeCode) << "\n";
     std::cout << "RA (J2000):    " << toUtf8(hoursText(object.raHours)) << "\n";
-    std::cout << "Dec (J2000):   " << toUtf8(degreesText(object.decDeg)) << "\n";
-    if (object.mag != 0) {
+    std::cout << "Dec (J2000):   " << declinationText(object.decDeg) << "\n";
+    if (object.magKnown) {
         char mag[16];
         std::snprintf(mag, sizeof mag, "%.2f", object.mag);
         std::cout << "Magnitude:     " << mag << "\n";
@@ -55,17 +66,19 @@ void printObject(const FoundObject& object) {
 }
 
 void printJson(const FoundObject& object) {
+    const bool known = object.catalogCode >= 0 && object.catalogCode < kCatalogCount;
     nlohmann::json j;
     j["name"] = object.name;
-    j["catalog"] = kCatalogDefinitions[object.catalogCode].prefix;
-    j["catalogName"] = kCatalogDefinitions[object.catalogCode].name;
+    j["catalog"] = known ? kCatalogDefinitions[object.catalogCode].prefix : "";
+    j["catalogName"] = known ? kCatalogDefinitions[object.catalogCode].name : "";
     j["number"] = object.number;
     j["type"] = objectTypeName(object.typeCode);
     j["ra"] = object.raHours;
     j["dec"] = object.decDeg;
-    j["mag"] = object.mag;
-    j["majorArcmin"] = object.majorArcmin;
-    j["minorArcmin"] = object.minorArcmin;
+    if (object.magKnown) j["mag"] = roundedValue(object.mag);
+    else j["mag"] = nullptr;
+    j["majorArcmin"] = roundedValue(object.majorArcmin);
+    j["minorArcmin"] = roundedValue(object.minorArcmin);
     j["constellation"] = constellationName(object.constellation);
     std::cout << j.dump(2) << "\n";
 }

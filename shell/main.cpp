@@ -1,8 +1,31 @@
 // nocturnel: the command line of the engine.
 #include <CLI/CLI.hpp>
 
+#include <unistd.h>
+
+#include <iostream>
+#include <string>
+
+#include "settings/message.h"
 #include "shell/app.h"
 #include "shell/commands.h"
+
+namespace {
+// Questions of the program ("Would you want to restore your last alignment?") are asked on the
+// terminal; without one (scripts, CI) the --answer option, by default yes, answers them.
+bool askOnTerminal(std::string_view question, const std::string& scriptedAnswer) {
+    const bool interactive = isatty(STDIN_FILENO) && scriptedAnswer.empty();
+    std::cerr << question << (interactive ? " [y/n] " : "");
+    if (!interactive) {
+        const bool yes = scriptedAnswer != "no";
+        std::cerr << " " << (yes ? "yes" : "no") << std::endl;
+        return yes;
+    }
+    std::string line;
+    if (!std::getline(std::cin, line)) return false;
+    return !line.empty() && (line[0] == 'y' || line[0] == 'Y');
+}
+}  // namespace
 
 int main(int argc, char** argv) {
     using namespace nocturnel;
@@ -15,7 +38,11 @@ int main(int argc, char** argv) {
     app.add_option("--date", g.date, "Observing date YYYY-MM-DD, local civil date at the site (default: today)");
     app.add_option("--time", g.time, "Observing time HH:MM[:SS], local civil time at the site (default: now)");
     app.add_flag("--json", g.json, "Machine-readable output (JSON) on standard output");
+    std::string answer;
+    app.add_option("--answer", answer, "Answer to the program's yes/no questions when no terminal asks them")
+        ->check(CLI::IsMember({"yes", "no"}));
     app.fallthrough();
+    setQuestionSink([&answer](std::string_view question) { return askOnTerminal(question, answer); });
 
     registerNowCommand(app);
     registerPrefsCommand(app);

@@ -66,7 +66,7 @@ bool checkStarBlockFile(const std::filesystem::path& file, const StarFileRules& 
     std::vector<StarEntry> entries;
     if (!loadBlocks(file, perBlock, records, entries, error)) return false;
     const std::string name = file.filename().string();
-    if (perBlock != rules.starsPerBlock || (records > 25000) != (perBlock == 80)) {
+    if ((rules.starsPerBlock != 0 && perBlock != rules.starsPerBlock) || (records > 25000) != (perBlock == 80)) {
         error = name + ": " + std::to_string(records) + " records of " + std::to_string(perBlock) +
                 " stars disagree with the reader's rule (80 stars above 25,000 records)";
         return false;

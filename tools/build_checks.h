@@ -7,7 +7,7 @@
 namespace nocturnel {
 
 struct StarFileRules {
-    int starsPerBlock = 42;
+    int starsPerBlock = 42;   // 0: as the record size says (still bound by the 25,000-record rule)
     long minTotalStars = 0;   // record count x stars per block must lie in [min, max] (0, 0: no range)
     long maxTotalStars = 0;
 };

@@ -74,7 +74,7 @@ class FileWriter {
 public:
     FileWriter(const fs::path& folder, BuildReport& report) : folder_(folder), report_(report) {}
     template <typename Record>
-    bool write(const std::string& name, uint32_t version, const std::vector<Record>& records, size_t perRecord = 0) {
+    bool write(const std::string& name, uint32_t version, const std::vector<Record>& records) {
         if (records.size() > 65535) {
             showMessage(kCheckFailed, name + ": more than 65,535 records");
             return false;
@@ -149,7 +149,7 @@ bool writeConstellations(FileWriter& writer, const std::vector<ConstellationSour
 }
 
 // Tycho-2: the brightest 390,000 and all primary components, with the region index.
-bool writeTycho(FileWriter& writer, const fs::path& tyc2, BuildReport& report) {
+bool writeTycho(FileWriter& writer, const fs::path& tyc2) {
     std::ifstream in(tyc2, std::ios::binary);
     if (!in) {
         showMessage(kMissingSource, tyc2.string());
@@ -177,7 +177,6 @@ bool writeTycho(FileWriter& writer, const fs::path& tyc2, BuildReport& report) {
         return false;
     }
     const auto brightBlocks = packStarBlocks(bright, perBright), allBlocks = packStarBlocks(stars, perAll);
-    (void)report;
     return writer.writeBlocks("nocturnel_tycho_390k.ppc", brightBlocks, perBright) &&
            writer.writeBlocks("nocturnel_tycho_2500k.ppc", allBlocks, perAll) &&
            writer.write("nocturnel_tycho_idx.ppc", 1, buildTychoRegionIndex(stars));
@@ -210,19 +209,20 @@ bool checkAll(const fs::path& out, bool tycho) {
     std::string error;
     const StarFileRules plain{42, 0, 0};
     return check(checkDefaultStars(out / "nocturnel_default_stars.ppc", error), error) &&
-           check(checkStarBlockFile(out / "nocturnel_hr.ppc", {42, 9101, 9199}, error), error) &&
+           check(checkStarBlockFile(out / "nocturnel_hr.ppc", {42, kHrSlotsMin, kHrSlotsMax}, error), error) &&
            check(checkNumberIndex(out / "nocturnel_hr_idx.ppc", out / "nocturnel_hr.ppc", error), error) &&
            check(checkStarBlockFile(out / "nocturnel_hip_16k.ppc", plain, error), error) &&
            check(checkStarBlockFile(out / "nocturnel_hip_32k.ppc", plain, error), error) &&
            check(checkStarBlockFile(out / "nocturnel_hip_64k.ppc", plain, error), error) &&
-           check(checkStarBlockFile(out / "nocturnel_hip_110k.ppc", {42, 118001, 119999}, error), error) &&
+           check(checkStarBlockFile(out / "nocturnel_hip_110k.ppc", {42, kHipSlotsMin, kHipSlotsMax}, error), error) &&
            check(checkNumberIndex(out / "nocturnel_hip_110k_idx.ppc", out / "nocturnel_hip_110k.ppc", error), error) &&
            check(checkBrightStarNames(out / "nocturnel_brightstar.ppc", error), error) &&
            check(checkObjectFiles(out / "nocturnel_obj_18k.ppc", out / "nocturnel_obj_18k_idx.ppc", true, error), error) &&
            check(checkDescriptions(out / "nocturnel_obj_18k_desc.ppc", out / "nocturnel_obj_18k.ppc", error), error) &&
            check(checkObjectFiles(out / "nocturnel_obj_1k.ppc", out / "nocturnel_obj_1k_idx.ppc", false, error), error) &&
            check(checkConstellations(out, error), error) &&
-           (!tycho || (check(checkStarBlockFile(out / "nocturnel_tycho_390k.ppc", {starsPerBlockFor(0) == 42 ? 42 : 42, 0, 0}, error), error) &&
+           (!tycho || (check(checkStarBlockFile(out / "nocturnel_tycho_390k.ppc", {0, 0, 0}, error), error) &&
+                       check(checkStarBlockFile(out / "nocturnel_tycho_2500k.ppc", {0, 0, 0}, error), error) &&
                        check(checkTychoIndex(out / "nocturnel_tycho_idx.ppc", out / "nocturnel_tycho_2500k.ppc", error), error)));
 }
 }  // namespace
@@ -297,7 +297,7 @@ int buildCatalogues(const BuildOptions& options, BuildReport* reportOut) {
         writer.write("nocturnel_obj_1k.ppc", kObjectFileVersion, objectFiles.smallObjects) &&
         writer.write("nocturnel_obj_1k_idx.ppc", 1, objectFiles.smallIndex) &&
         writeConstellations(writer, stars.constellations) &&
-        (options.tycho2File.empty() || writeTycho(writer, options.tycho2File, report));
+        (options.tycho2File.empty() || writeTycho(writer, options.tycho2File));
     if (!written) return 1;
     if (!writeWholeFile(options.outputFolder / "SOURCES", sourcesText(dso, !options.tycho2File.empty()))) {
         showMessage(kWriteFailed, (options.outputFolder / "SOURCES").string());

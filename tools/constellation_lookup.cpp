@@ -66,17 +66,21 @@ int constellationAt(const std::vector<ConstellationSource>& constellations, doub
 
 ConstellationFinder::ConstellationFinder(const std::vector<ConstellationSource>& constellations)
     : constellations_(constellations), cells_(180 * 90) {
-    // A cell's candidates: every constellation whose polygon contains one of the cell's corners
-    // or centre, or has a vertex in the cell. The full test still decides.
+    // A cell's candidates: the constellations holding its corners and its centre, and every
+    // constellation with a boundary edge through the cell. The full test still decides.
+    std::vector<int> corner(181 * 91);
+    for (int y = 0; y <= 90; ++y)
+        for (int x = 0; x <= 180; ++x)
+            corner[y * 181 + x] = constellationAt(constellations, std::fmod(x * 2.0, 360.0), std::min(y * 2.0 - 90.0, 89.999));
+    auto add = [](std::vector<int>& cell, int c) {
+        if (c >= 0 && std::find(cell.begin(), cell.end(), c) == cell.end()) cell.push_back(c);
+    };
     for (int y = 0; y < 90; ++y)
         for (int x = 0; x < 180; ++x) {
             std::vector<int>& cell = cells_[y * 180 + x];
-            const double ra0 = x * 2.0, dec0 = y * 2.0 - 90.0;
-            for (double dx : {0.0, 1.0, 2.0})
-                for (double dy : {0.0, 1.0, 2.0}) {
-                    const int c = constellationAt(constellations, std::fmod(ra0 + dx, 360.0), std::min(dec0 + dy, 90.0));
-                    if (c >= 0 && std::find(cell.begin(), cell.end(), c) == cell.end()) cell.push_back(c);
-                }
+            for (int dy : {0, 1})
+                for (int dx : {0, 1}) add(cell, corner[(y + dy) * 181 + x + dx]);
+            add(cell, constellationAt(constellations, x * 2.0 + 1.0, y * 2.0 - 89.0));
         }
     for (size_t i = 0; i < constellations.size(); ++i)
         for (const Ring& ring : constellations[i].bounds)

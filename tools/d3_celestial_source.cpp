@@ -79,7 +79,7 @@ bool readPath(const json& coordinates, Path& path) {
 }
 }  // namespace
 
-bool parseHipparcosStars(std::string_view text, std::vector<HipparcosStar>& stars, std::string& error) {
+static bool hipparcosStars(std::string_view text, std::vector<HipparcosStar>& stars, std::string& error) {
     json doc;
     const json* list = nullptr;
     if (!parseDocument(text, doc, error) || !features(doc, list, error)) return false;
@@ -89,15 +89,17 @@ bool parseHipparcosStars(std::string_view text, std::vector<HipparcosStar>& star
         HipparcosStar star;
         double lon = 0, lat = 0;
         if (!f.is_object() || !f.contains("id") || !f["id"].is_number_integer() || !point(f, lon, lat) ||
-            !f.contains("properties") || !numberField(f["properties"].value("mag", json()), star.mag)) {
+            !f.contains("properties") || !f["properties"].is_object() ||
+            !numberField(f["properties"].value("mag", json()), star.mag)) {
             error = "star " + std::to_string(stars.size() + 1) + " lacks a number, position or magnitude";
             return false;
         }
-        star.hip = f["id"].get<int32_t>();
-        if (star.hip < 1 || star.hip > 120999) {
-            error = "HIP number out of range: " + std::to_string(star.hip);
+        const int64_t hip = f["id"].get<int64_t>();
+        if (hip < 1 || hip > 120999) {
+            error = "HIP number out of range: " + std::to_string(hip);
             return false;
         }
+        star.hip = static_cast<int32_t>(hip);
         star.raDeg = unwrapLongitude(lon);
         star.decDeg = lat;
         star.hasBv = numberField(f["properties"].value("bv", json()), star.bv);
@@ -111,7 +113,7 @@ bool parseHipparcosStars(std::string_view text, std::vector<HipparcosStar>& star
     return true;
 }
 
-bool parseStarNames(std::string_view text, std::map<int32_t, StarNames>& names, std::string& error) {
+static bool starNames(std::string_view text, std::map<int32_t, StarNames>& names, std::string& error) {
     json doc;
     if (!parseDocument(text, doc, error)) return false;
     if (!doc.is_object()) {
@@ -137,7 +139,7 @@ bool parseStarNames(std::string_view text, std::map<int32_t, StarNames>& names, 
     return true;
 }
 
-bool parseConstellations(std::string_view namesJson, std::string_view linesJson, std::string_view boundsJson,
+static bool constellationSources(std::string_view namesJson, std::string_view linesJson, std::string_view boundsJson,
                          std::vector<ConstellationSource>& constellations, std::string& error) {
     json names, lines, bounds;
     const json *nameList = nullptr, *lineList = nullptr, *boundList = nullptr;
@@ -208,6 +210,30 @@ bool parseConstellations(std::string_view namesJson, std::string_view linesJson,
         return false;
     }
     return true;
+}
+
+// The JSON library reports type mismatches by exceptions: none may leave the parsers.
+template <typename Parse>
+static bool guarded(std::string& error, Parse parse) {
+    try {
+        return parse();
+    } catch (const nlohmann::json::exception& e) {
+        error = std::string("unexpected JSON structure: ") + e.what();
+        return false;
+    }
+}
+
+bool parseHipparcosStars(std::string_view text, std::vector<HipparcosStar>& stars, std::string& error) {
+    return guarded(error, [&] { return hipparcosStars(text, stars, error); });
+}
+
+bool parseStarNames(std::string_view text, std::map<int32_t, StarNames>& names, std::string& error) {
+    return guarded(error, [&] { return starNames(text, names, error); });
+}
+
+bool parseConstellations(std::string_view namesJson, std::string_view linesJson, std::string_view boundsJson,
+                         std::vector<ConstellationSource>& constellations, std::string& error) {
+    return guarded(error, [&] { return constellationSources(namesJson, linesJson, boundsJson, constellations, error); });
 }
 
 }  // namespace nocturnel

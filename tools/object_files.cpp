@@ -22,7 +22,7 @@ struct Designation {
 };
 
 // Indexed catalogues the source feeds, in the order that picks an object's own designation.
-constexpr std::array kDesignationOrder = {kCatalogNGC, kCatalogIC, 11 /*Cr*/,  39 /*Mel*/, 59 /*Tr*/, 56 /*Stock*/,
+constexpr std::array<int, 17> kDesignationOrder = {kCatalogNGC, kCatalogIC, 11 /*Cr*/,  39 /*Mel*/, 59 /*Tr*/, 56 /*Stock*/,
                                           48 /*Ru*/,   65 /*vdB-Ha*/, 2 /*B*/, 52 /*Sh2*/, 64 /*vdB*/, 46 /*RCW*/,
                                           34 /*LDN*/,  10 /*Ced*/,  61 /*UGC*/, 1 /*Abell*/, kCatalogCaldwell};
 
@@ -248,7 +248,8 @@ bool buildObjectFiles(const StellariumCatalogue& catalogue, const std::map<std::
     for (int code : order) {
         auto [first, end] = usableStretch(code);
         // Records between the previous stretch's end and this one's start keep the previous key.
-        while (static_cast<int>(files.index.size()) < first) files.index.push_back(files.index.back());
+        while (static_cast<int>(files.index.size()) < first)
+            files.index.push_back(indexRecord(-1, 0, 0, files.index.back().key, 0.0f));
         for (const auto& [number, source] : placed[code])
             files.index.push_back(indexRecord(recordOf[source], code, number, objectIndexKey(code, number),
                                               knownMagnitude(objects[source])));

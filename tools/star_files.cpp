@@ -147,12 +147,22 @@ bool buildStarFiles(const StarSources& sources, const ConstellationFinder& finde
         hrStars.push_back(p);
     }
     files.hr = packStarBlocks(hrStars, 42);
+    padToMinimumSlots(files.hr, 42, kHrSlotsMin);
+    if (static_cast<long>(files.hr.size()) > kHrSlotsMax) {
+        error = std::to_string(hrStars.size()) + " HR stars are more than the HR index serves (9,199 slots)";
+        return false;
+    }
     files.hrIndex = buildNumberIndex(files.hr, 42);
 
     files.hip16k = brightestBlocks(order, 16000);
     files.hip32k = brightestBlocks(order, 32000);
     files.hip64k = brightestBlocks(order, 64000);
     files.hip110k = brightestBlocks(order, order.size());
+    padToMinimumSlots(files.hip110k, 42, kHipSlotsMin);
+    if (static_cast<long>(files.hip110k.size()) > kHipSlotsMax) {
+        error = std::to_string(order.size()) + " Hipparcos stars are more than the Hipparcos index serves (119,999 slots)";
+        return false;
+    }
     files.hip110kIndex = buildNumberIndex(files.hip110k, 42);
     return true;
 }

@@ -15,6 +15,9 @@ namespace nocturnel {
 
 inline constexpr size_t kDefaultStarCount = 1646;
 inline constexpr int32_t kMaxHipNumber = 120999;
+// Slot counts for which the reader uses the HR and the Hipparcos number index.
+inline constexpr long kHrSlotsMin = 9101, kHrSlotsMax = 9199;
+inline constexpr long kHipSlotsMin = 118001, kHipSlotsMax = 119999;
 
 struct StarSources {
     std::vector<HipparcosStar> hipparcos;

@@ -11,23 +11,23 @@ int32_t packedRaSeconds(const StarEntry& e) { return e.raH * 3600 + e.raM * 60 +
 
 int8_t colourClassFromBv(double bv, bool hasBv) {
     if (!hasBv || !std::isfinite(bv)) return kColourWithoutBv;
-    return static_cast<int8_t>(std::clamp(std::lround(bv * 10.0), -128L, 127L));
+    return static_cast<int8_t>(std::lround(std::clamp(bv * 10.0, -128.0, 127.0)));
 }
 
 uint8_t magnitudeByte(double mag) {
     if (!std::isfinite(mag)) return kEmptyMagnitude;
-    return static_cast<uint8_t>(std::clamp(std::lround(mag * 16.0), 0L, 255L));
+    return static_cast<uint8_t>(std::lround(std::clamp(mag * 16.0, 0.0, 255.0)));
 }
 
 StarEntry packStarEntry(const StarToPack& star) {
     StarEntry e{};
     e.number = star.number;
-    long raSeconds = std::lround(star.raHours * 3600.0) % 86400;
+    long raSeconds = std::lround(std::fmod(star.raHours, 24.0) * 3600.0) % 86400;
     if (raSeconds < 0) raSeconds += 86400;
     e.raH = static_cast<int8_t>(raSeconds / 3600);
     e.raM = static_cast<int8_t>(raSeconds / 60 % 60);
     e.raS = static_cast<int8_t>(raSeconds % 60);
-    const long arcsec = std::min(std::lround(std::abs(star.decDeg) * 3600.0), 90L * 3600L);
+    const long arcsec = std::lround(std::min(std::abs(star.decDeg), 90.0) * 3600.0);
     const int sign = star.decDeg < 0 ? -1 : 1;
     e.decD = static_cast<int8_t>(sign * (arcsec / 3600));
     e.decM = static_cast<int8_t>(sign * (arcsec / 60 % 60));
@@ -69,6 +69,10 @@ std::vector<StarEntry> packStarBlocks(std::span<const StarToPack> stars, int per
     std::fill(entries.begin(), entries.begin() + perBlock, emptyStarEntry(false));
     std::copy(packed.begin(), packed.end(), entries.begin() + perBlock);
     return entries;
+}
+
+void padToMinimumSlots(std::vector<StarEntry>& entries, int perBlock, size_t minStars) {
+    while (entries.size() < minStars) entries.resize(entries.size() + perBlock, emptyStarEntry(true));
 }
 
 std::vector<HipIndexRecord> buildNumberIndex(std::span<const StarEntry> entries, int perBlock) {

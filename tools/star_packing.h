@@ -9,6 +9,8 @@
 //   right ascension, then number; consecutive runs of starsPerBlock fill the records, so blocks
 //   are sorted south to north by their first entry and entries inside a block too.
 // - The last block's unused slots are empty entries at declination +90 00 00 (they sort last).
+// - Files whose slot count selects a number index are padded with empty northern records up
+//   to the index's range (see padToMinimumSlots); the real catalogues need no padding.
 // - Colour class = B-V x 10 rounded, clamped to -128..127; a star without B-V gets class 6
 //   (a G-type colour, the middle of the painter's 6..7 row).
 #include <cstdint>
@@ -47,6 +49,11 @@ int starsPerBlockFor(size_t starCount);
 
 // The records of a block file, record 0 included, each perBlock entries.
 std::vector<StarEntry> packStarBlocks(std::span<const StarToPack> stars, int perBlock);
+
+// Appends empty northern records (declination +90, as the last block's unused slots) until the
+// file holds at least minStars slots: the reader picks the HR and Hipparcos number indexes by
+// the file's slot count, so a catalogue with fewer stars is padded into the range.
+void padToMinimumSlots(std::vector<StarEntry>& entries, int perBlock, size_t minStars);
 
 // HipIndexRecord array for the given block file: record r, slot k holds the block of the star
 // numbered r * 42 + k, -1 when absent. Numbers must be below 42 * 32767.
