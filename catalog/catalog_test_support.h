@@ -32,18 +32,18 @@ protected:
         ASSERT_TRUE(ensureProgramFolders());
         closeCatalogues();
         forgetConstellations();
-        savedCardCatalog_ = prefs().cardCatalog;
+        savedPreferences_ = prefs();
         prefs().cardCatalog = 0;
     }
     void TearDown() override {
         closeCatalogues();
         forgetConstellations();
-        prefs().cardCatalog = savedCardCatalog_;
+        prefs() = savedPreferences_;
         std::error_code ec;
         std::filesystem::remove_all(folder_, ec);
     }
     std::filesystem::path folder_;
-    int savedCardCatalog_ = 0;
+    Preferences savedPreferences_{};
 };
 
 inline void writeBytes(const std::string& name, const std::vector<uint8_t>& bytes) {

@@ -1,6 +1,7 @@
 #include "catalog/catalogues.h"
 
 #include <cstring>
+#include <string>
 
 #include "catalog/formats.h"
 #include "catalog/objects.h"
@@ -82,6 +83,13 @@ bool openDefaultStars() {
         return false;
     }
     return true;
+}
+
+bool openUserObjects() {
+    const Preferences& p = prefs();
+    std::string name(p.userCatalogFile, strnlen(p.userCatalogFile, sizeof p.userCatalogFile));
+    if (name.empty()) name = kDefaultUserCatalogFile;
+    return openDatabase(state().userObjects, kObjectType, kCreator, 0, kUserCatalogFolder, name.c_str());
 }
 
 bool openObjectFiles() {

@@ -55,6 +55,12 @@ void closeCatalogues();
 bool openDefaultStars();   // alert "Could not open star database" when absent
 bool openObjectFiles();    // steps of the object file: 18k else 1k, version alert, stretches
 
+// The user object database (object-file layout) from usercatalogs/: prefs().userCatalogFile, or
+// "nocturnel_user_catalog.pdb" when that is empty. Silent when absent: the reader reports it.
+inline constexpr char kUserCatalogFolder[] = "usercatalogs/";
+inline constexpr char kDefaultUserCatalogFile[] = "nocturnel_user_catalog.pdb";
+bool openUserObjects();
+
 DatabaseSlot& defaultStarSlot();
 DatabaseSlot& starCatalogSlot();
 DatabaseSlot& objectSlot();

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -240,6 +241,33 @@ TEST_F(FeatureReaderTest, EachDatabaseReportsItsOwnTexts) {
                                              "Could not retrieve satellite record!"};
     ASSERT_EQ(messages.messages().size(), failed.size());
     for (std::size_t i = 0; i < failed.size(); ++i) EXPECT_EQ(messages.messages()[i].title, failed[i]);
+}
+
+TEST_F(FeatureReaderTest, UserObjectsComeFromTheUserCatalogueFolder) {
+    std::vector<ObjectRecord> objects = {objectRecord(kCatalogUser, 1), objectRecord(kCatalogUser, 2)};
+    std::memset(objects[1].name, 'u', sizeof objects[1].name);
+    const auto write = [&](const char* name) {
+        std::ofstream out(userCatalogsFolder() / name, std::ios::binary);
+        const auto header = test::header(24, 2, sizeof(ObjectRecord));
+        out.write(reinterpret_cast<const char*>(header.data()), static_cast<std::streamsize>(header.size()));
+        out.write(reinterpret_cast<const char*>(objects.data()), sizeof(ObjectRecord) * 2);
+    };
+    prefs().userCatalogFile[0] = '\0';  // an empty name falls back to the default file
+    EXPECT_FALSE(openUserObjects());
+    write("nocturnel_user_catalog.pdb");
+    ASSERT_TRUE(openUserObjects());
+    ObjectRecord o;
+    ASSERT_TRUE(readUserObject(1, o));
+    EXPECT_EQ(o.number, 2);
+    EXPECT_EQ(std::strlen(o.name), 12u);
+    MessageCapture messages;
+    EXPECT_FALSE(readUserObject(2, o));
+    EXPECT_EQ(messages.lastTitle(), "Could not retrieve user object record!");
+
+    std::strcpy(prefs().userCatalogFile, "mine.pdb");
+    EXPECT_FALSE(openUserObjects());
+    write("mine.pdb");
+    EXPECT_TRUE(openUserObjects());
 }
 
 TEST_F(FeatureReaderTest, SatelliteAndCometRewritesNeedTheInMemoryDatabase) {

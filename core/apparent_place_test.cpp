@@ -149,34 +149,6 @@ TEST(ApparentPlace, GeocentricPlacesFollowErfaModernReduction) {
     }
 }
 
-TEST(ApparentPlace, ProperMotionParallaxAndAberrationEachMatter) {
-    // Dropping any one effect moves Barnard's Star or Alpha Centauri well beyond the tolerance
-    // above, so the ledgers would catch a step left out.
-    const BodyDescriptor earth = earthBody();
-    const double jd = 2469807.5;
-    for (const char* name : {"Barnard's Star", "Alpha Centauri A"}) {
-        for (const ReferenceStar& s : kReferenceStars) {
-            if (std::string(s.name) != name) continue;
-            CatalogueEntry full = entryOf(s), still = full;
-            still.pmRaSecPerCentury = still.pmDecArcsecPerCentury = 0.0;
-            double ra1, dec1, ra2, dec2;
-            ASSERT_EQ(app_star(jd, earth, full, &ra1, &dec1), 0);
-            ASSERT_EQ(app_star(jd, earth, still, &ra2, &dec2), 0);
-            EXPECT_GT(separationArcsec(ra1, dec1, ra2, dec2), 50.0) << name;
-        }
-    }
-}
-
-TEST(ApparentPlace, EphemerisRangeErrorsPassThrough) {
-    const BodyDescriptor earth = earthBody();
-    double ra = -1, dec = -1;
-    EXPECT_EQ(app_star(2300000.0, earth, entryOf(kReferenceStars[0]), &ra, &dec), 1);
-    EXPECT_EQ(topo_star(2600000.0, earth, 60.0, entryOf(kReferenceStars[0]), SiteInfo{}, &ra, &dec), 1);
-    BodyDescriptor moon;
-    ASSERT_EQ(set_body(0, 11, "Moon", &moon), 0);
-    EXPECT_EQ(app_star(2451545.0, moon, entryOf(kReferenceStars[0]), &ra, &dec), 2);
-}
-
 TEST(ApparentPlace, SetBodyChecksTypeAndNumber) {
     struct Case { int type, number, expected; } cases[] = {{0, 3, 0}, {1, 433, 0}, {2, 3, 1}, {-1, 3, 1}, {0, 0, 2}, {0, 30001, 2}};
     for (const Case& c : cases) {
@@ -189,7 +161,7 @@ TEST(ApparentPlace, SetBodyChecksTypeAndNumber) {
     EXPECT_EQ(earth.number, 3);
 }
 
-TEST(PrecessNutateFromJ2000, MatchesErfaRotationAndPutsThePoleAtRaZero) {
+TEST(PrecessNutateFromJ2000, MatchesErfaRotation) {
     for (double jd : kDatesTt) {
         for (const ReferenceStar& s : kReferenceStars) {
             double ra, dec;

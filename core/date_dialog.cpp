@@ -69,6 +69,12 @@ bool enterDateDialogJulianDate(DateDialog& dialog, std::string_view text, int ut
     }
     const CalendarDate c = calendarFromJulian(jd);
     DateDialog next{c.year, c.month, c.day, c.hour, c.minute, c.second, dialog.showsUt};
+    // The conversion rounds the seconds after truncating the minutes, so a moment a fraction of
+    // a second before a whole minute reads as second 60: carry it so the field stays 0..59.
+    if (next.second >= 60) {
+        next.second -= 60;
+        shift(next, 1);
+    }
     if (!dialog.showsUt) shift(next, utcOffsetMin);
     dialog = next;
     return true;

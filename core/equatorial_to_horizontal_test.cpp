@@ -191,12 +191,5 @@ TEST_F(EquatorialToHorizontal, CachesFollowTheMomentAndTheSite) {
     EXPECT_GT(std::fabs(again[0] - first[0]), 1.0);
 }
 
-TEST_F(EquatorialToHorizontal, PointingLevelIsTheCorrectionChoice) {
-    for (int correction : {0, 1, 2, 3}) {
-        prefs().correction = correction;
-        EXPECT_EQ(pointingLevelFromPreferences(), correction);
-    }
-}
-
 }  // namespace
 }  // namespace nocturnel

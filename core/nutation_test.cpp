@@ -6,7 +6,6 @@
 #include <cmath>
 
 #include "core/astro_constants.h"
-#include "core/fundamental_arguments.h"
 #include "core/nutation.h"
 #include "core/precession.h"
 #include "core/sidereal_time.h"
@@ -37,15 +36,6 @@ TEST(Nutation, Iau1980SeriesMatchesEraNut80FarBelowOneMas) {
     }
 }
 
-TEST(Nutation, TableHasThePublishedLeadingTermsInOrder) {
-    // The 18.6-year term first, the semi-annual term ninth, the fortnightly term 31st.
-    EXPECT_EQ(kIau1980NutationTable[0].omega, 1);
-    EXPECT_DOUBLE_EQ(kIau1980NutationTable[0].longitudeSin, -171996.0);
-    EXPECT_DOUBLE_EQ(kIau1980NutationTable[8].longitudeSin, -13187.0);
-    EXPECT_DOUBLE_EQ(kIau1980NutationTable[30].longitudeSin, -2274.0);
-    EXPECT_DOUBLE_EQ(kIau1980NutationTable[105].longitudeSin, 1.0);
-}
-
 TEST(Nutation, ObliquityMatrixAndEquationOfEquinoxesMatchErfa) {
     for (double jd : kDates) {
         const EarthTilt tilt = earthTilt(jd);
@@ -59,43 +49,11 @@ TEST(Nutation, ObliquityMatrixAndEquationOfEquinoxesMatchErfa) {
     }
 }
 
-TEST(Nutation, AnglesAreCachedPerDateAndFollowANewDate) {
-    const EarthTilt a = earthTilt(2451545.0);
-    const EarthTilt b = earthTilt(2451545.0 + 30.0);
-    EXPECT_NE(a.dpsiArcsec, b.dpsiArcsec);
-    const EarthTilt again = earthTilt(2451545.0);
-    EXPECT_EQ(a.dpsiArcsec, again.dpsiArcsec);
-    EXPECT_EQ(a.depsArcsec, again.depsArcsec);
-}
-
-TEST(Nutation, NutateInverseUndoesNutate) {
-    const Vec3 v{0.3, -0.5, 0.81};
-    const Vec3 back = nutate(2455000.5, nutate(2455000.5, v, false), true);
-    for (int i = 0; i < 3; ++i) EXPECT_NEAR(back[i], v[i], 1e-15);
-}
-
 TEST(Precession, MatrixFromJ2000MatchesEraPmat76) {
     for (double jd : kDates) {
         double rp[3][3];
         eraPmat76(jd, 0.0, rp);
         EXPECT_LT(maxMatrixDifference(precessionMatrix(kJ2000Jd, jd), rp), 1.0e-12) << "JD " << jd;
-    }
-}
-
-TEST(Precession, BackwardsIsTheTransposeOfForwards) {
-    // Precessing from the date back to J2000 uses the angles of the other epoch; the two
-    // matrices are inverse to the accuracy of the Lieske expansion (well below 1 mas).
-    for (double jd : {2415020.0, 2488069.5}) {
-        const Mat3 product = precessionMatrix(jd, kJ2000Jd) * precessionMatrix(kJ2000Jd, jd);
-        for (int i = 0; i < 3; ++i)
-            for (int j = 0; j < 3; ++j) EXPECT_NEAR(product[i][j], i == j ? 1.0 : 0.0, 5e-9) << jd;
-    }
-}
-
-TEST(FundamentalArguments, AreReducedIntoOneTurn) {
-    for (double t : {-3.0, 0.0, 0.37, 2.5}) {
-        const FundamentalArguments a = fundamentalArguments(t);
-        for (double x : {a.lRad, a.lPrimeRad, a.fRad, a.dRad, a.omegaRad}) EXPECT_LT(std::fabs(x), kTwoPi) << t;
     }
 }
 
@@ -110,13 +68,6 @@ TEST(GreenwichSiderealTime, MeanSiderealTimeMatchesEraGmst82) {
         EXPECT_GE(ours, 0.0);
         EXPECT_LT(ours, 24.0);
     }
-}
-
-TEST(GreenwichSiderealTime, SplitDateGivesTheSameTimeAndApparentAddsTheEquation) {
-    const double jd = 2460676.3;
-    EXPECT_NEAR(siderealTimeHours(2460676.0, 0.3, 0.0), siderealTimeHours(jd, 0.0, 0.0), 1e-8);  // 40 us JD resolution
-    const double apparent = apparentSiderealTimeHours(jd, jd);
-    EXPECT_NEAR((apparent - siderealTimeHours(jd, 0.0, 0.0)) * 3600.0, earthTilt(jd).equationOfEquinoxesSec, 1e-6);
 }
 
 }  // namespace

@@ -253,17 +253,5 @@ TEST_F(EncoderBoxLink, SimulatedBoxNeedsNoPort) {
     EXPECT_TRUE(messages_.messages().empty());
 }
 
-TEST_F(EncoderBoxLink, ResetClearsTheLastReading) {
-    startBox(1);
-    setCounts(100, 100);
-    ASSERT_EQ(encoderConnect(1), 1);
-    double az = 0, alt = 0;
-    ASSERT_EQ(encoderReadAzAlt(1, az, alt), 1);
-    EXPECT_TRUE(encoderBoxState().hasLastReading);
-    encoderReset();
-    EXPECT_FALSE(encoderBoxState().hasLastReading);
-    EXPECT_TRUE(encoderBoxState().encoderOpen);
-}
-
 }  // namespace
 }  // namespace nocturnel

@@ -113,23 +113,8 @@ TEST(Lx200Commands, GotoAnswers) {
     for (char other : {'4', '3', '#', '\0', 'E'}) EXPECT_EQ(lx200GotoAnswerCode(other), -1) << other;
 }
 
-// The simulator's replies have the documented lengths and read back to the same place.
-TEST(Lx200Replies, LengthsAndRoundTrip) {
-    for (bool high : {true, false}) {
-        for (double ra : {0.0, hms(5, 34, 30), hms(23, 59, 50)}) {
-            std::string reply = lx200RaReply(ra, high);
-            EXPECT_EQ(static_cast<int>(reply.size()), lx200RaReplyLength(high)) << reply;
-            EXPECT_NEAR(parseLx200Value(reply), ra, high ? 0.5 / 3600 : 3.0 / 3600) << reply;
-        }
-        for (double dec : {-89.5, -0.2, 0.0, 22.0, hms(45, 59, 45)}) {
-            std::string reply = lx200DecReply(dec, high);
-            EXPECT_EQ(static_cast<int>(reply.size()), lx200DecReplyLength(high)) << reply;
-            EXPECT_NEAR(parseLx200Value(reply), dec, high ? 0.5 / 3600 : 0.5 / 60) << reply;
-        }
-        std::string az = lx200AzimuthReply(hms(254, 9, 0), high);
-        EXPECT_EQ(static_cast<int>(az.size()), lx200DecReplyLength(high)) << az;
-        EXPECT_NEAR(parseLx200Value(az), hms(254, 9, 0), 1e-9);
-    }
+// The simulator's replies in Meade's documented shapes.
+TEST(Lx200Replies, DocumentedShapes) {
     EXPECT_EQ(lx200RaReply(hms(13, 15, 36), true), "13:15:36#");
     EXPECT_EQ(lx200RaReply(hms(5, 47, 24), false), "05:47.4#");
     EXPECT_EQ(lx200DecReply(hms(45, 59, 45), true), "+45" + kDeg + "59:45#");

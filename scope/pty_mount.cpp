@@ -112,6 +112,7 @@ void PtyMount::stopThread() {
 
 void PtyMount::closeNow() {
     stopThread();
+    std::lock_guard lock(mutex_);
     closeFd(master_);
     closeFd(slave_);
     closeFd(wakeRead_);

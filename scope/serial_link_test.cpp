@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdio>
 #include <filesystem>
 #include <thread>
 
@@ -152,6 +153,21 @@ TEST_F(SerialLinkTest, VanishedOrBusyDeviceCannotBeOpened) {
     EXPECT_EQ(serialOpen(port, 9600), 0);
     EXPECT_TRUE(messages_.shown("Can't open serial port"));
     EXPECT_FALSE(serialIsOpen());
+}
+
+TEST_F(SerialLinkTest, DeviceThatIsNotATerminalOpensButAnswersNothing) {
+    std::snprintf(prefs().scopeDevice, sizeof prefs().scopeDevice, "%s", "/dev/null");
+    int port = portIndexOf("/dev/null");
+    ASSERT_GT(port, 0);
+    ASSERT_EQ(serialOpen(port, 9600), 1);  // its settings cannot be read, so they are left alone
+    EXPECT_EQ(serialSetLineOptions(kLineOptionsTakahashi), 0);
+    EXPECT_EQ(messages_.lastTitle(), "Can't set serial port parameters");
+    setHoldOpen(0);
+    serialClose();
+    ASSERT_EQ(serialOpen(port, 9600), 1);
+    EXPECT_EQ(serialWrite(":GD#", 4), 1);
+    char buffer[10];
+    EXPECT_EQ(serialRead(buffer, sizeof buffer), 0);
 }
 
 TEST_F(SerialLinkTest, RateTheLineCannotTakeIsRefused) {
