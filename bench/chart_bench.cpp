@@ -1,9 +1,9 @@
 // One whole chart (every layer switched on, PNG encoded in memory) at 800x800 for each zoom
 // level, on the built Hipparcos catalogues (NOCTURNEL_TEST_DATA) and on a generated file of
-// 2.5 million stars in the Tycho catalogue format that serves every zoom level. The peak
-// resident memory is reported beside the times (it must not follow the catalogue's size).
+// 2.5 million stars in the Tycho catalogue format that serves every zoom level. The resident
+// memory and its growth over the runs are reported beside the times (they must not follow the
+// catalogue's size).
 #include <benchmark/benchmark.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -17,6 +17,7 @@
 #include "catalog/catalogues.h"
 #include "catalog/formats.h"
 #include "chart/chart_render.h"
+#include "chart/png_writer.h"
 #include "chart/sky_objects.h"
 #include "settings/program_folder.h"
 
@@ -27,12 +28,6 @@ namespace fs = std::filesystem;
 
 constexpr int kTychoStars = 2500000;
 constexpr int kStarsPerBlock = 80;
-
-double peakResidentMiB() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_maxrss / 1024.0;
-}
 
 void setUpPreferences(int cardCatalog) {
     Preferences& p = prefs();
@@ -51,9 +46,14 @@ void setUpPreferences(int cardCatalog) {
     p.displayBox[kBoxHideToolBar] = 0;
 }
 
-cairo_status_t discardPng(void* closure, const unsigned char*, unsigned int length) {
-    *static_cast<std::size_t*>(closure) += length;
-    return CAIRO_STATUS_SUCCESS;
+// Resident memory now, MiB.
+double residentMiB() {
+    long pages = 0, resident = 0;
+    if (std::FILE* f = std::fopen("/proc/self/statm", "r")) {
+        if (std::fscanf(f, "%ld %ld", &pages, &resident) != 2) resident = 0;
+        std::fclose(f);
+    }
+    return static_cast<double>(resident) * static_cast<double>(sysconf(_SC_PAGESIZE)) / (1024.0 * 1024.0);
 }
 
 void renderOnce(benchmark::State& state, bool switchCatalogue) {
@@ -62,7 +62,8 @@ void renderOnce(benchmark::State& state, bool switchCatalogue) {
     request.moment = {2026, 11, 21, 22, 0, 0};
     request.switchCatalogForZoom = switchCatalogue;
     int fieldStars = 0;
-    std::size_t pngBytes = 0;
+    std::vector<uint8_t> png;
+    const double residentBefore = residentMiB();
     for (auto _ : state) {
         ChartResult result;
         ChartSurface surface = renderChart(request, result);
@@ -70,11 +71,16 @@ void renderOnce(benchmark::State& state, bool switchCatalogue) {
             state.SkipWithError("chart not rendered");
             return;
         }
-        cairo_surface_write_to_png_stream(surface.get(), discardPng, &pngBytes);
+        if (!encodePng(surface.get(), png)) {
+            state.SkipWithError("PNG not encoded");
+            return;
+        }
         fieldStars = result.fieldStars.drawn;
     }
     state.counters["fieldStars"] = fieldStars;
-    state.counters["peakRssMiB"] = peakResidentMiB();
+    state.counters["pngKiB"] = static_cast<double>(png.size()) / 1024.0;
+    state.counters["rssMiB"] = residentMiB();
+    state.counters["rssGrowthMiB"] = residentMiB() - residentBefore;
 }
 
 // ---- Built Hipparcos catalogues ----

@@ -149,6 +149,32 @@ TEST_F(RealDataTest, EveryCatalogueStarIsFoundAgainByItsNumber) {
     if (checked == 0) GTEST_SKIP() << "no HIP, HR or Tycho star catalogue built";
 }
 
+TEST_F(RealDataTest, DeclinationSearchLandsBesideTheWantedBand) {
+    // The search ends on the last block probed: the wanted declination lies between the first
+    // entries of its neighbours (to the arcminute the key compares).
+    int checked = 0;
+    for (int level = 0; level < static_cast<int>(kStarCatalogFiles.size()); ++level) {
+        if (!has(kStarCatalogFiles[level])) continue;
+        ASSERT_TRUE(openStarCatalogLevel(level));
+        const int blocks = recordCount(starCatalogSlot());
+        auto firstDec = [&](int block) {
+            StarPosition p;
+            readStarBySequence(static_cast<uint32_t>(block * starsPerBlock()), p);
+            return fixedToDouble(p.dec) * 180.0 / std::numbers::pi;
+        };
+        for (double dec = -89.75; dec < 90.0; dec += 0.5) {
+            const int block = findBlockByDeclination(static_cast<float>(dec));
+            ASSERT_GE(block, 1) << kStarCatalogFiles[level] << " " << dec;
+            const double lower = block > 1 ? firstDec(block - 1) : -90.0;
+            const double upper = block + 1 < blocks ? firstDec(block + 1) : 90.0;
+            EXPECT_LE(lower, dec + 1.0 / 60) << kStarCatalogFiles[level] << " " << dec;
+            EXPECT_GE(upper, dec - 1.0 / 60) << kStarCatalogFiles[level] << " " << dec;
+            ++checked;
+        }
+    }
+    if (checked == 0) GTEST_SKIP() << "no star catalogue built";
+}
+
 TEST_F(RealDataTest, BoundariesHoldTheDefaultStarsOfTheirConstellations) {
     if (!has("nocturnel_constellation.ppc") || !has("nocturnel_constellation_bounds.ppc"))
         GTEST_SKIP() << "constellation files not built";

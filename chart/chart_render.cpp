@@ -6,6 +6,7 @@
 #include "catalog/catalogues.h"
 #include "chart/chart_labels.h"
 #include "chart/chart_layers.h"
+#include "chart/png_writer.h"
 #include "chart/sky_objects.h"
 #include "chart/star_images.h"
 #include "chart/zoom_limits.h"
@@ -139,7 +140,12 @@ ChartSurface renderChart(const ChartRequest& request, ChartResult& result) {
 
 bool saveChartPng(cairo_surface_t* surface, const std::filesystem::path& path) {
     if (surface == nullptr) return false;
-    if (cairo_surface_write_to_png(surface, path.c_str()) != CAIRO_STATUS_SUCCESS) {
+    std::vector<uint8_t> png;
+    std::FILE* file = nullptr;
+    bool written = encodePng(surface, png) && (file = std::fopen(path.c_str(), "wb")) != nullptr &&
+                   std::fwrite(png.data(), 1, png.size(), file) == png.size();
+    if (file != nullptr && std::fclose(file) != 0) written = false;
+    if (!written) {
         showMessage("Can't create file", path.string());
         return false;
     }

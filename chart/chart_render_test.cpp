@@ -215,6 +215,16 @@ TEST_F(KnownNight, PngIsWrittenAndAnUnwritablePathIsReported) {
     const auto file = folder_.path() / "chart.png";
     EXPECT_TRUE(saveChartPng(surface.get(), file));
     EXPECT_GT(std::filesystem::file_size(file), 1000u);
+    // Read back by cairo's own PNG reader: every pixel as drawn.
+    cairo_surface_t* back = cairo_image_surface_create_from_png(file.c_str());
+    ASSERT_EQ(cairo_surface_status(back), CAIRO_STATUS_SUCCESS);
+    ASSERT_EQ(cairo_image_surface_get_width(back), 800);
+    ASSERT_EQ(cairo_image_surface_get_height(back), 800);
+    int different = 0;
+    for (int y = 0; y < 800; ++y)
+        for (int x = 0; x < 800; ++x) different += pixelAt(back, x, y) != pixelAt(surface.get(), x, y);
+    EXPECT_EQ(different, 0);
+    cairo_surface_destroy(back);
     MessageCapture capture;
     EXPECT_FALSE(saveChartPng(surface.get(), folder_.path() / "no-such-folder" / "chart.png"));
     EXPECT_EQ(capture.messages().size(), 1u);

@@ -25,8 +25,10 @@ const Tables& tables() {
     return t;
 }
 
-// Table steps per radian (4096 / (pi/2)) in 32.32 fixed point.
-constexpr int64_t kStepsPerRadianQ32 = static_cast<int64_t>(4096.0 / (M_PI / 2) * 4294967296.0);
+// Table steps per radian, 4096 / (pi/2) = 2607.594...: whole part and fraction (31 bits).
+constexpr int64_t kStepsPerRadianWhole = 2607;
+constexpr int64_t kStepsPerRadianFraction31 =
+    static_cast<int64_t>((4096.0 / (M_PI / 2) - 2607.0) * 2147483648.0 + 0.5);
 
 // Interpolates a table at a position given in 24 fraction bits of a step.
 int32_t interpolate(const std::array<int32_t, kSteps + 2>& table, int64_t position) {
@@ -42,8 +44,8 @@ int32_t interpolate(const std::array<int32_t, kSteps + 2>& table, int64_t positi
 fixed24 fixedSin(fixed24 angle) {
     // Position along the circle in table steps (24 fraction bits), folded into one turn.
     const int64_t turnSteps = int64_t{4} * kSteps << 24;
-    const int64_t reduced = angle % kFixed24TwoPi;  // keeps the product below within 64 bits
-    int64_t position = (reduced * (kStepsPerRadianQ32 >> 8)) >> 24;  // steps, 24 fraction bits
+    // Steps with 24 fraction bits; exact enough for any 32-bit angle, and within 64 bits.
+    int64_t position = angle * kStepsPerRadianWhole + ((angle * kStepsPerRadianFraction31) >> 31);
     position %= turnSteps;
     if (position < 0) position += turnSteps;
     const int64_t quarter = int64_t{kSteps} << 24;

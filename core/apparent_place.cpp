@@ -58,7 +58,7 @@ bool sameSite(const SiteInfo& a, const SiteInfo& b) {
 // J2000; kept for the last moment and site so a redraw computes it once.
 int topocentricObserver(double jdTt, const BodyDescriptor& earth, double deltaTSec, const SiteInfo& site,
                         Observer* observer) {
-    static TopocentricCache cache;
+    thread_local TopocentricCache cache;
     if (cache.valid && cache.jdTt == jdTt && cache.deltaTSec == deltaTSec && cache.earthNumber == earth.number &&
         sameSite(cache.site, site)) {
         *observer = cache.observer;
@@ -123,9 +123,9 @@ int topo_star(double jdTt, const BodyDescriptor& earth, double deltaTSec, const 
 }
 
 const Mat3& j2000ToDateMatrix(double jd) {
-    static double lastJd = 0.0;
-    static bool valid = false;
-    static Mat3 matrix{};
+    thread_local double lastJd = 0.0;
+    thread_local bool valid = false;
+    thread_local Mat3 matrix{};
     if (!valid || lastJd != jd) {
         matrix = nutationMatrix(earthTilt(jd)) * precessionMatrix(kJ2000Jd, jd);
         lastJd = jd;

@@ -111,11 +111,5 @@ TEST(DateDialog, TypedJulianDateRoundTripsThroughTheObservingMoment) {
     }
 }
 
-TEST(DateDialog, HelpText) {
-    EXPECT_EQ(kDateDialogHelp,
-              " Local time or Universal Time (UT) can be inputed as well as Julian Date.\nIn this case please press JD "
-              "button to update.");
-}
-
 }  // namespace
 }  // namespace nocturnel

@@ -84,9 +84,9 @@ int solarSystemVectors(double jdTdb, int body, int origin, Vec3* position, Vec3*
 }
 
 int earthVectors(double jdTdb, EarthVectors* earth) {
-    static double lastJd = 0.0;
-    static bool valid = false;
-    static EarthVectors cached{};
+    thread_local double lastJd = 0.0;
+    thread_local bool valid = false;
+    thread_local EarthVectors cached{};
     if (!valid || lastJd != jdTdb) {
         EarthVectors fresh{};
         if (int err = solarSystemVectors(jdTdb, 3, 1, &fresh.heliocentricPositionAu,

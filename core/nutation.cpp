@@ -31,7 +31,7 @@ struct NutationCache {
     NutationAngles angles{};
 };
 NutationCache& nutationCache() {
-    static NutationCache cache;
+    thread_local NutationCache cache;
     return cache;
 }
 }  // namespace
@@ -65,11 +65,6 @@ Mat3 nutationMatrix(const EarthTilt& tilt) {
     return {Vec3{cp, -sp * cm, -sp * sm},
             Vec3{sp * ct, cp * cm * ct + sm * st, cp * sm * ct - cm * st},
             Vec3{sp * st, cp * cm * st - sm * ct, cp * sm * st + cm * ct}};
-}
-
-Vec3 nutate(double jd, const Vec3& position, bool inverse) {
-    const Mat3 n = nutationMatrix(earthTilt(jd));
-    return inverse ? transposed(n) * position : n * position;
 }
 
 }  // namespace nocturnel

@@ -40,7 +40,5 @@ EarthTilt earthTilt(double jd);
 
 // Rotation from the mean to the true equator and equinox of date.
 Mat3 nutationMatrix(const EarthTilt& tilt);
-// Mean of date to true of date, or back when inverse is true.
-Vec3 nutate(double jd, const Vec3& position, bool inverse);
 
 }  // namespace nocturnel

@@ -25,17 +25,4 @@ Mat3 precessionMatrix(double jdFrom, double jdTo) {
             Vec3{cz0 * sth, -sz0 * sth, cth}};
 }
 
-Vec3 precess(double jdFrom, const Vec3& position, double jdTo) {
-    static double lastFrom = 0.0, lastTo = 0.0;
-    static bool valid = false;
-    static Mat3 matrix{};
-    if (!valid || lastFrom != jdFrom || lastTo != jdTo) {
-        matrix = precessionMatrix(jdFrom, jdTo);
-        lastFrom = jdFrom;
-        lastTo = jdTo;
-        valid = true;
-    }
-    return matrix * position;
-}
-
 }  // namespace nocturnel

@@ -320,15 +320,5 @@ TEST(MoonsJulianDay, AlwaysGregorianCorrection) {
     EXPECT_DOUBLE_EQ(julianDayForMoons(1000, 7, 1), djm0 + djm);
 }
 
-TEST(DaysInMonth, LengthsAndInvalidMonths) {
-    EXPECT_EQ(daysInMonth(2024, 2), 29);
-    EXPECT_EQ(daysInMonth(1900, 2), 28);
-    EXPECT_EQ(daysInMonth(1500, 2), 29);
-    EXPECT_EQ(daysInMonth(2023, 4), 30);
-    EXPECT_EQ(daysInMonth(2023, 12), 31);
-    EXPECT_EQ(daysInMonth(2023, 0), 0);
-    EXPECT_EQ(daysInMonth(2023, 13), 0);
-}
-
 }  // namespace
 }  // namespace nocturnel

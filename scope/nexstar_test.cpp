@@ -55,6 +55,10 @@ protected:
     }
     void connected(int driveCode) {
         ASSERT_EQ(nexstarConnect(driveCode), 1);
+        // The Ultima's "\r" may reach the mount after the echo that answered "Kx".
+        if (driveCode == kNexStarUltima) {
+            ASSERT_TRUE(mount_->waitUntilReceived("\r"));
+        }
         mount_->clearReceived();
     }
     std::vector<std::string> titles() const {
@@ -87,6 +91,7 @@ TEST_F(NexStarTest, ConnectEchoPerModel) {
         startMount(s);
         messages_.clear();
         EXPECT_EQ(nexstarConnect(c.driveCode), c.result) << c.driveCode << " " << c.echo;
+        EXPECT_TRUE(mount_->waitUntilReceived(c.sent)) << c.driveCode;
         EXPECT_EQ(mount_->received(), c.sent) << c.driveCode;
         if (c.result == 1) {
             EXPECT_TRUE(messages_.messages().empty());
@@ -216,9 +221,11 @@ TEST_F(NexStarTest, UltimaAddsACarriageReturn) {
     connected(kNexStarUltima);
     double ra = 0, dec = 0;
     ASSERT_EQ(nexstarReadRaDec(kNexStarUltima, ra, dec), 1);
+    EXPECT_TRUE(mount_->waitUntilReceived("\r"));
     EXPECT_EQ(mount_->received(), "E\r");
     mount_->clearReceived();
     EXPECT_EQ(nexstarGoto(kNexStarUltima, 0, 0), 1);
+    EXPECT_TRUE(mount_->waitUntilReceived("\r"));
     EXPECT_EQ(mount_->received(), "R0000,0000\r");
 }
 

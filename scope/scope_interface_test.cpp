@@ -442,8 +442,9 @@ TEST_F(ScopeDispatch, DrivesThatCannotSlewShowTheTarget) {
 }
 
 TEST_F(ScopeDispatch, TheTargetIsInThePointingFrameNotJ2000) {
-    // Betelgeuse on 2024-03-15 22:30 at 48.1 N, 1.8 W (20:30 local sidereal time region):
-    // precession since 2000 moves it by about +1.2 minutes of RA.
+    // Betelgeuse on 2024-03-15 22:30 (21:30 UT) at 48.1 N, 1.8 W: local sidereal time near
+    // 8.9 h, so about 3 h west of the meridian; precession since 2000 adds about 1.2 minutes
+    // to its RA.
     prefs().scopeDrive = 0;
     prefs().correction = 0;
     ASSERT_EQ(scopeGotoEquatorial(5.919529, 7.407064), 1);

@@ -60,17 +60,6 @@ TEST(ServoCatWire, PositionReplyIsSplitAtBytesSixAndFourteen) {
     }
 }
 
-TEST(ServoCatWire, SimulatorReplyParsesBack) {
-    for (double dec : {-89.5, -0.25, 0.0, 45.125}) {
-        const std::string reply = servoCatPositionReply(17.25, dec);
-        ASSERT_EQ(reply.size(), kServoCatReplyBytes) << reply;
-        auto position = parseServoCatPosition(reply);
-        ASSERT_TRUE(position);
-        EXPECT_NEAR(position->raHours, 17.25, 1e-9);
-        EXPECT_NEAR(position->decDeg, dec, 1e-9);
-    }
-}
-
 class ServoCatLink : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -149,12 +138,6 @@ TEST_F(ServoCatLink, FaultsFailWithoutHanging) {
         EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));  // a bound, not a speed target
         servoCatDisconnect();
     }
-}
-
-TEST_F(ServoCatLink, NoPortSaysSo) {
-    prefs().scopePort = 0;
-    EXPECT_EQ(servoCatConnect(), 0);
-    EXPECT_TRUE(messages_.shown("Fail to open serial connection"));
 }
 
 TEST_F(ServoCatLink, VanishedDeviceFailsTheSend) {

@@ -12,7 +12,7 @@ namespace nocturnel {
 inline constexpr std::string_view kTakahashiVersionCommand = "v\r\n";
 inline constexpr std::string_view kTakahashiPositionCommand = "E\r\n";
 inline constexpr std::string_view kTakahashiZenithCommand = "Z\r\n";
-inline constexpr std::string_view kTakahashiFlipCommand = "PT\r\n";
+inline constexpr std::string_view kTakahashiFlipCommand = "PT\r,\n";
 inline constexpr std::string_view kTakahashiStopGotoCommand = "PS\r\n";  // first stop form: stop the slew...
 inline constexpr std::string_view kTakahashiStatusCommand = "s\r\n";     // ...then ask the slewing state
 inline constexpr std::string_view kTakahashiStopMotionCommand = "M@\r\n"; // second stop form

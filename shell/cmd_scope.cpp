@@ -132,6 +132,10 @@ bool prepare(const ScopeOptions& o) {
         prefs().scopeDrive = code;
     }
     if (!o.port.empty()) {
+        if (o.port.size() >= sizeof prefs().scopeDevice) {  // the record keeps 63 characters
+            showMessage("Can't open serial port", o.port);
+            return false;
+        }
         std::strncpy(prefs().scopeDevice, o.port.c_str(), sizeof prefs().scopeDevice - 1);
         prefs().scopeDevice[sizeof prefs().scopeDevice - 1] = '\0';
         rebuildPortNameList();
@@ -335,10 +339,10 @@ void runSimulate(const ScopeOptions& o) {
                   << " read   (Ctrl-C stops the simulator)" << std::endl;
     }
     InterruptGuard guard;
-    const auto limit = o.seconds > 0 ? std::chrono::milliseconds(static_cast<long long>(o.seconds * 1000))
-                                     : std::chrono::milliseconds::max();
-    const auto start = std::chrono::steady_clock::now();
-    while (!interrupted && std::chrono::steady_clock::now() - start < limit)
+    const bool forever = o.seconds <= 0;
+    const auto end = std::chrono::steady_clock::now() +
+                     std::chrono::milliseconds(forever ? 0 : static_cast<long long>(o.seconds * 1000));
+    while (!interrupted && (forever || std::chrono::steady_clock::now() < end))
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
 }
 

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <fstream>
 #include <functional>
+#include <nlohmann/json.hpp>
 
 #include "catalog/object_tables.h"
 #include "settings/message.h"
@@ -182,17 +183,35 @@ bool writeTycho(FileWriter& writer, const fs::path& tyc2) {
            writer.write("nocturnel_tycho_idx.ppc", 1, buildTychoRegionIndex(stars));
 }
 
-std::string sourcesText(const StellariumCatalogue& dso, bool tycho) {
+// Versions as the packages state them: d3-celestial's package.json, the first line of xplanet's
+// Debian changelog ("xplanet (1.3.1-3) unstable; ..."). "unknown version" when absent.
+std::string d3Version(const fs::path& d3Data) {
+    std::string text;
+    if (!readWholeFile(d3Data.parent_path() / "package.json", text)) return "unknown version";
+    const auto doc = nlohmann::json::parse(text, nullptr, false);
+    return doc.is_object() && doc.contains("version") && doc["version"].is_string() ? doc["version"].get<std::string>()
+                                                                                     : "unknown version";
+}
+
+std::string xplanetVersion(const fs::path& bsc) {
+    std::string compressed, text, error;
+    const fs::path changelog = bsc.parent_path().parent_path().parent_path() / "doc/xplanet/changelog.Debian.gz";
+    if (!readWholeFile(changelog, compressed) || !gunzip(compressed, text, error)) return "unknown version";
+    const size_t open = text.find('('), close = text.find(')');
+    return open < close && close < text.find('\n') ? text.substr(open + 1, close - open - 1) : "unknown version";
+}
+
+std::string sourcesText(const SourcePaths& paths, const StellariumCatalogue& dso, bool tycho) {
     std::string text =
         "Sources of the catalogue files in this folder (written by `nocturnel catalog build`).\n\n"
-        "d3-celestial 0.7.35 (npm), BSD 3-Clause licence, (c) Olaf Frohn:\n"
+        "d3-celestial " + d3Version(paths.d3) + " (npm), BSD 3-Clause licence, (c) Olaf Frohn:\n"
         "  data/stars.14.json (Hipparcos: positions, V, B-V), data/starnames.json (names, Bayer,\n"
         "  Flamsteed, HD, constellation), data/constellations.json, constellations.lines.json,\n"
         "  constellations.bounds.json.\n"
         "  -> nocturnel_default_stars.ppc, nocturnel_hip_*.ppc, nocturnel_hip_110k_idx.ppc,\n"
         "     nocturnel_brightstar.ppc, nocturnel_constellation*.ppc; colours of the HR stars.\n\n"
         "Yale Bright Star Catalogue, 5th revised edition (Hoffleit & Warren 1991), as shipped in the\n"
-        "Debian package xplanet (usr/share/xplanet/stars/BSC; GPL-2+ package, catalogue data public\n"
+        "Debian package xplanet " + xplanetVersion(paths.bsc) + " (usr/share/xplanet/stars/BSC; GPL-2+ package, catalogue data public\n"
         "through CDS/VizieR V/50).\n"
         "  -> nocturnel_hr.ppc, nocturnel_hr_idx.ppc; HR numbers of the default and bright stars.\n\n"
         "Stellarium deep-sky catalogue " + dso.version + " (" + dso.edition + "), Debian package stellarium-data\n"
@@ -256,24 +275,34 @@ int buildCatalogues(const BuildOptions& options, BuildReport* reportOut) {
         !readSource(paths.d3 / "constellations.bounds.json", boundsJson))
         return 1;
     std::string error;
-    if (!parseConstellations(namesJson, linesJson, boundsJson, stars.constellations, error))
-        return malformed(paths.d3 / "constellations.json", error), 1;
+    if (!parseConstellations(namesJson, linesJson, boundsJson, stars.constellations, error)) {
+        malformed(paths.d3 / "constellations.json", error);
+        return 1;
+    }
 
     std::string compressed, raw;
     StellariumCatalogue dso;
     std::map<std::string, std::vector<std::string>> dsoNames;
     if (!readSource(paths.dsoCatalogue, compressed)) return 1;
-    if (!gunzip(compressed, raw, error) || !parseStellariumCatalogue(raw, dso, error))
-        return malformed(paths.dsoCatalogue, error), 1;
+    if (!gunzip(compressed, raw, error) || !parseStellariumCatalogue(raw, dso, error)) {
+        malformed(paths.dsoCatalogue, error);
+        return 1;
+    }
     compressed.clear();
     raw.clear();
     if (!loadSource(paths.dsoNames, dsoNames, parseStellariumNames)) return 1;
 
     const ConstellationFinder finder(stars.constellations);
     StarFiles starFiles;
-    if (!buildStarFiles(stars, finder, starFiles, error)) return malformed(paths.d3 / "stars.14.json", error), 1;
+    if (!buildStarFiles(stars, finder, starFiles, error)) {
+        malformed(paths.d3 / "stars.14.json", error);
+        return 1;
+    }
     ObjectFiles objectFiles;
-    if (!buildObjectFiles(dso, dsoNames, finder, objectFiles, error)) return malformed(paths.dsoCatalogue, error), 1;
+    if (!buildObjectFiles(dso, dsoNames, finder, objectFiles, error)) {
+        malformed(paths.dsoCatalogue, error);
+        return 1;
+    }
 
     std::error_code ec;
     fs::create_directories(options.outputFolder, ec);
@@ -299,7 +328,7 @@ int buildCatalogues(const BuildOptions& options, BuildReport* reportOut) {
         writeConstellations(writer, stars.constellations) &&
         (options.tycho2File.empty() || writeTycho(writer, options.tycho2File));
     if (!written) return 1;
-    if (!writeWholeFile(options.outputFolder / "SOURCES", sourcesText(dso, !options.tycho2File.empty()))) {
+    if (!writeWholeFile(options.outputFolder / "SOURCES", sourcesText(paths, dso, !options.tycho2File.empty()))) {
         showMessage(kWriteFailed, (options.outputFolder / "SOURCES").string());
         return 1;
     }

@@ -11,7 +11,12 @@
 //   then by number); the rest is reported. Usable slots of a stretch end where the next stretch
 //   (in index order) begins.
 // - The small file holds every Messier and Caldwell object, then the brightest NGC and IC
-//   objects with a known magnitude, up to kSmallFileObjects records.
+//   objects with a known magnitude, up to kSmallFileObjects records, without descriptions.
+// - 18k index: records before the first stretch carry key 0, each stretch holds its entries
+//   by number then filler records, records between stretches repeat the key before them
+//   (catalogue 0, no object), and one closing record carries kKeyAfterAll.
+// - 1k index: record 0 carries key 0 (the search never probes it), then every indexed
+//   designation of the small file's objects, ordered by key.
 #include <map>
 #include <string>
 #include <vector>

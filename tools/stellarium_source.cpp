@@ -3,6 +3,7 @@
 // and the names.dat text file. Field order follows the documented catalog.txt columns.
 #include <zlib.h>
 
+#include <cctype>
 #include <cmath>
 #include <cstring>
 #include <numbers>
