@@ -49,7 +49,8 @@ void pipelineLevel(benchmark::State& state) {
     const int level = static_cast<int>(state.range(0));
     const auto& all = stars();
     double alt, az, ra, dec;
-    nocturnel::equatorialToHorizontal(all[0].raHours, all[0].decDeg, level, kMoment, &alt, &az, &ra, &dec);  // warm
+    nocturnel::equatorialToHorizontal(all[0].raHours, all[0].decDeg, level, kMoment, &alt, &az, &ra,
+                                      &dec);  // warm
     std::size_t i = 0;
     for (auto _ : state) {
         const Star& s = all[i++ & 1023];
@@ -71,9 +72,9 @@ void erfaAtco13FromScratch(benchmark::State& state) {
     double aob, zob, hob, dob, rob, eo;
     for (auto _ : state) {
         const Star& s = all[i++ & 1023];
-        eraAtco13(s.raHours * 15.0 * 3.14159265358979323846 / 180.0, s.decDeg * 3.14159265358979323846 / 180.0, 0, 0, 0,
-                  0, kUtc1, kUtc2, 0.0, kElong, kPhi, 60.0, 0.0, 0.0, 1010.0, 10.0, 0.5, 0.55, &aob, &zob, &hob, &dob,
-                  &rob, &eo);
+        eraAtco13(s.raHours * 15.0 * 3.14159265358979323846 / 180.0,
+                  s.decDeg * 3.14159265358979323846 / 180.0, 0, 0, 0, 0, kUtc1, kUtc2, 0.0, kElong, kPhi,
+                  60.0, 0.0, 0.0, 1010.0, 10.0, 0.5, 0.55, &aob, &zob, &hob, &dob, &rob, &eo);
         benchmark::DoNotOptimize(aob);
         benchmark::DoNotOptimize(zob);
     }
@@ -90,8 +91,8 @@ void erfaPreparedPerStar(benchmark::State& state) {
     double ri, di, aob, zob, hob, dob, rob;
     for (auto _ : state) {
         const Star& s = all[i++ & 1023];
-        eraAtciq(s.raHours * 15.0 * 3.14159265358979323846 / 180.0, s.decDeg * 3.14159265358979323846 / 180.0, 0, 0, 0, 0,
-                 &astrom, &ri, &di);
+        eraAtciq(s.raHours * 15.0 * 3.14159265358979323846 / 180.0, s.decDeg * 3.14159265358979323846 / 180.0,
+                 0, 0, 0, 0, &astrom, &ri, &di);
         eraAtioq(ri, di, &astrom, &aob, &zob, &hob, &dob, &rob);
         benchmark::DoNotOptimize(aob);
         benchmark::DoNotOptimize(zob);

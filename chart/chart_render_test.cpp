@@ -15,6 +15,11 @@
 #include "settings/message.h"
 #include "settings/preferences.h"
 
+// Fontconfig (under cairo's text) keeps its caches until exit by design; the leak checker of
+// sanitizer builds is told to leave them alone.
+extern "C" const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig\n"; }
+
 namespace nocturnel {
 namespace {
 

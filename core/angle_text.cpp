@@ -10,6 +10,7 @@
 
 #include "settings/message.h"
 #include "settings/preferences.h"
+#include "settings/text_encoding.h"
 
 namespace nocturnel {
 namespace {
@@ -272,19 +273,6 @@ private:
 
 std::optional<double> parseAngleText(std::string_view text) { return AngleTextReader(text).read(); }
 
-std::string toUtf8(std::string_view latin1) {
-    std::string out;
-    out.reserve(latin1.size() + 4);
-    for (const char ch : latin1) {
-        const auto c = static_cast<unsigned char>(ch);
-        if (c < 0x80) {
-            out.push_back(ch);
-        } else {
-            out.push_back(static_cast<char>(0xC0 | (c >> 6)));
-            out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
-        }
-    }
-    return out;
-}
+std::string toUtf8(std::string_view latin1) { return latin1ToUtf8(latin1); }
 
 }  // namespace nocturnel

@@ -51,7 +51,8 @@ struct TopocentricCache {
 };
 
 bool sameSite(const SiteInfo& a, const SiteInfo& b) {
-    return a.latitudeDeg == b.latitudeDeg && a.longitudeEastDeg == b.longitudeEastDeg && a.heightM == b.heightM;
+    return a.latitudeDeg == b.latitudeDeg && a.longitudeEastDeg == b.longitudeEastDeg &&
+           a.heightM == b.heightM;
 }
 
 // The geocentre's vectors plus the site's, the site taken from the true frame of date back to
@@ -59,8 +60,8 @@ bool sameSite(const SiteInfo& a, const SiteInfo& b) {
 int topocentricObserver(double jdTt, const BodyDescriptor& earth, double deltaTSec, const SiteInfo& site,
                         Observer* observer) {
     thread_local TopocentricCache cache;
-    if (cache.valid && cache.jdTt == jdTt && cache.deltaTSec == deltaTSec && cache.earthNumber == earth.number &&
-        sameSite(cache.site, site)) {
+    if (cache.valid && cache.jdTt == jdTt && cache.deltaTSec == deltaTSec &&
+        cache.earthNumber == earth.number && sameSite(cache.site, site)) {
         *observer = cache.observer;
         return 0;
     }
@@ -81,9 +82,9 @@ int topocentricObserver(double jdTt, const BodyDescriptor& earth, double deltaTS
 
 void placeSeenBy(const Observer& observer, double jdTt, const CatalogueEntry& star, double* raHours,
                  double* decDeg) {
-    const StarVectors vectors = starVectors(star.raHours, star.decDeg, star.pmRaSecPerCentury,
-                                            star.pmDecArcsecPerCentury, star.parallaxArcsec,
-                                            star.radialVelocityKmPerS);
+    const StarVectors vectors =
+        starVectors(star.raHours, star.decDeg, star.pmRaSecPerCentury, star.pmDecArcsecPerCentury,
+                    star.parallaxArcsec, star.radialVelocityKmPerS);
     const Vec3 atDate = properMotion(kJ2000Jd, vectors, observer.jdTdb);
     double lightTime = 0.0;
     const Vec3 seen = barycentricToObserver(atDate, observer.barycentricPositionAu, &lightTime);
@@ -107,7 +108,8 @@ int set_body(int type, int number, const std::string& name, BodyDescriptor* body
     return 0;
 }
 
-int app_star(double jdTt, const BodyDescriptor& earth, const CatalogueEntry& star, double* raHours, double* decDeg) {
+int app_star(double jdTt, const BodyDescriptor& earth, const CatalogueEntry& star, double* raHours,
+             double* decDeg) {
     Observer observer;
     if (int err = geocentricObserver(jdTt, earth, &observer)) return err;
     placeSeenBy(observer, jdTt, star, raHours, decDeg);
@@ -187,7 +189,8 @@ int refractionOptionForLevel(int level) {
 int placeUsedForLevel(double raJ2000Hours, double decJ2000Deg, int level, double jd, double deltaTSec,
                       const SiteInfo& site, double* raUsedHours, double* decUsedDeg) {
     double ra = 0.0, dec = 0.0;
-    if (int err = placeOfDateForLevel(raJ2000Hours, decJ2000Deg, level, jd, deltaTSec, site, &ra, &dec)) return err;
+    if (int err = placeOfDateForLevel(raJ2000Hours, decJ2000Deg, level, jd, deltaTSec, site, &ra, &dec))
+        return err;
     if (refractionOptionForLevel(level) != kRefractionNone) {
         const HorizontalPlace h =
             horizontalFromEquatorial(jd, deltaTSec, 0.0, 0.0, site, ra, dec, refractionOptionForLevel(level));
@@ -216,6 +219,8 @@ int equatorialToHorizontal(double raHours, double decDeg, int level, const Obser
     return 0;
 }
 
-int pointingLevelFromPreferences() { return prefs().correction; }
+int pointingLevelFromPreferences() {
+    return prefs().correction;
+}
 
 }  // namespace nocturnel

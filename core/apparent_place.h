@@ -25,13 +25,13 @@ struct BodyDescriptor {
 };
 
 struct CatalogueEntry {
-    char catalog[4] = {};        // 3 characters
+    char catalog[4] = {};  // 3 characters
     char starname[51] = {};
     long starnumber = 0;
-    double raHours = 0.0;                 // J2000
-    double decDeg = 0.0;                  // J2000
-    double pmRaSecPerCentury = 0.0;       // seconds of time per Julian century
-    double pmDecArcsecPerCentury = 0.0;   // arcseconds per Julian century
+    double raHours = 0.0;                // J2000
+    double decDeg = 0.0;                 // J2000
+    double pmRaSecPerCentury = 0.0;      // seconds of time per Julian century
+    double pmDecArcsecPerCentury = 0.0;  // arcseconds per Julian century
     double parallaxArcsec = 0.0;
     double radialVelocityKmPerS = 0.0;
 };
@@ -41,7 +41,8 @@ int set_body(int type, int number, const std::string& name, BodyDescriptor* body
 
 // Geocentric apparent place (true equator and equinox of date) of a star for jdTt.
 // 0 success, else the ephemeris error (1: date out of range, 2: bad body).
-int app_star(double jdTt, const BodyDescriptor& earth, const CatalogueEntry& star, double* raHours, double* decDeg);
+int app_star(double jdTt, const BodyDescriptor& earth, const CatalogueEntry& star, double* raHours,
+             double* decDeg);
 
 // Topocentric apparent place (true equator and equinox of date) for jdTt; the Earth turns to
 // UT1 = jdTt - deltaT. 0 success, else the ephemeris error.

@@ -7,13 +7,14 @@
 //    models (about 0.3" a century from J2000) and the nutation models (up to 0.05").
 // Times are those the pipeline effectively uses: TT = the Julian date handed on, UT1 = that
 // date minus DeltaT.
+#include "core/apparent_place.h"
+
 #include <erfa.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <filesystem>
 
-#include "core/apparent_place.h"
 #include "core/astro_constants.h"
 #include "core/astrometry_vectors.h"
 #include "core/reference_stars_test_data.h"
@@ -36,9 +37,12 @@ struct ErfaStar {
 };
 ErfaStar erfaStar(const ReferenceStar& s) {
     const double dec = test::decDegOf(s) * kDegToRad;
-    return {test::raHoursOf(s) * 15.0 * kDegToRad, dec,
-            s.pmRaCosDecMasPerYear / std::cos(dec) * kMasPerYearToRadPerYear, s.pmDecMasPerYear * kMasPerYearToRadPerYear,
-            s.parallaxMas / 1000.0, s.radialVelocityKmPerS};
+    return {test::raHoursOf(s) * 15.0 * kDegToRad,
+            dec,
+            s.pmRaCosDecMasPerYear / std::cos(dec) * kMasPerYearToRadPerYear,
+            s.pmDecMasPerYear * kMasPerYearToRadPerYear,
+            s.parallaxMas / 1000.0,
+            s.radialVelocityKmPerS};
 }
 
 CatalogueEntry entryOf(const ReferenceStar& s) {
@@ -61,7 +65,8 @@ double separationArcsec(double ra1Hours, double dec1Deg, double ra2Hours, double
 
 // True-of-date place from ERFA's astrometry with the IAU 1976/1980 rotation; observerPv is
 // the observer's geocentric position (m) and velocity (m/s) in the J2000 frame.
-void erfaSameModelPlace(const ErfaStar& s, double jdTt, double observerPv[2][3], double* raHours, double* decDeg) {
+void erfaSameModelPlace(const ErfaStar& s, double jdTt, double observerPv[2][3], double* raHours,
+                        double* decDeg) {
     double pvh[2][3], pvb[2][3];
     eraEpv00(jdTt, 0.0, pvh, pvb);
     eraASTROM astrom;
@@ -107,7 +112,8 @@ TEST(ApparentPlace, GeocentricPlacesMatchErfaWithTheSameModels) {
 
 TEST(ApparentPlace, TopocentricPlacesMatchErfaWithTheSameModels) {
     const BodyDescriptor earth = earthBody();
-    const SiteInfo sites[] = {{48.1, -1.8, 60.0, 10.0, 1010.0}, {-33.9, 151.2, 0.0, 20.0, 1013.0},
+    const SiteInfo sites[] = {{48.1, -1.8, 60.0, 10.0, 1010.0},
+                              {-33.9, 151.2, 0.0, 20.0, 1013.0},
                               {19.82, -155.47, 4205.0, 0.0, 600.0}};
     for (const SiteInfo& site : sites) {
         for (double jd : kDatesTt) {
@@ -115,8 +121,8 @@ TEST(ApparentPlace, TopocentricPlacesMatchErfaWithTheSameModels) {
             const double ut1 = jd - deltaT / kSecondsPerDay;
             const double gastRad = eraGmst82(ut1, 0.0) + eraEqeq94(jd, 0.0);
             double pvDate[2][3], pvJ2000[2][3], rp[3][3], rn[3][3], rnp[3][3], rnpT[3][3];
-            eraPvtob(site.longitudeEastDeg * kDegToRad, site.latitudeDeg * kDegToRad, site.heightM, 0.0, 0.0, 0.0,
-                     gastRad, pvDate);
+            eraPvtob(site.longitudeEastDeg * kDegToRad, site.latitudeDeg * kDegToRad, site.heightM, 0.0, 0.0,
+                     0.0, gastRad, pvDate);
             eraPmat76(jd, 0.0, rp);
             eraNutm80(jd, 0.0, rn);
             eraRxr(rn, rp, rnp);
@@ -143,14 +149,17 @@ TEST(ApparentPlace, GeocentricPlacesFollowErfaModernReduction) {
             double ri, di, eo, ra, dec;
             eraAtci13(e.rc, e.dc, e.pr, e.pd, e.px, e.rv, jd, 0.0, &ri, &di, &eo);
             ASSERT_EQ(app_star(jd, earth, entryOf(s), &ra, &dec), 0);
-            EXPECT_LT(separationArcsec(ra, dec, eraAnp(ri - eo) * kRadToDeg / 15.0, di * kRadToDeg), tolerance)
+            EXPECT_LT(separationArcsec(ra, dec, eraAnp(ri - eo) * kRadToDeg / 15.0, di * kRadToDeg),
+                      tolerance)
                 << s.name << " at JD " << jd;
         }
     }
 }
 
 TEST(ApparentPlace, SetBodyChecksTypeAndNumber) {
-    struct Case { int type, number, expected; } cases[] = {{0, 3, 0}, {1, 433, 0}, {2, 3, 1}, {-1, 3, 1}, {0, 0, 2}, {0, 30001, 2}};
+    struct Case {
+        int type, number, expected;
+    } cases[] = {{0, 3, 0}, {1, 433, 0}, {2, 3, 1}, {-1, 3, 1}, {0, 0, 2}, {0, 30001, 2}};
     for (const Case& c : cases) {
         BodyDescriptor body;
         EXPECT_EQ(set_body(c.type, c.number, "x", &body), c.expected) << c.type << "/" << c.number;
@@ -173,7 +182,8 @@ TEST(PrecessNutateFromJ2000, MatchesErfaRotation) {
             eraS2c(test::raHoursOf(s) * 15.0 * kDegToRad, test::decDegOf(s) * kDegToRad, u);
             eraRxp(rnp, u, v);
             eraC2s(v, &raRef, &decRef);
-            EXPECT_LT(separationArcsec(ra, dec, eraAnp(raRef) * kRadToDeg / 15.0, decRef * kRadToDeg), 1e-6) << s.name;
+            EXPECT_LT(separationArcsec(ra, dec, eraAnp(raRef) * kRadToDeg / 15.0, decRef * kRadToDeg), 1e-6)
+                << s.name;
             EXPECT_GE(ra, 0.0);
             EXPECT_LE(ra, 24.0);
         }
@@ -181,9 +191,13 @@ TEST(PrecessNutateFromJ2000, MatchesErfaRotation) {
 }
 
 TEST(VectorToRaDec, PoleGivesRaZeroAndQuadrantsAreRight) {
-    struct Case { Vec3 v; double ra, dec; int code; } cases[] = {
-        {{0, 0, 2.5}, 0.0, 90.0, 1},   {{0, 0, -1}, 0.0, -90.0, 1},  {{0, 0, 0}, 0.0, 0.0, 2},
-        {{1, 0, 0}, 0.0, 0.0, 0},      {{0, 1, 0}, 6.0, 0.0, 0},     {{-1, 0, 1}, 12.0, 45.0, 0},
+    struct Case {
+        Vec3 v;
+        double ra, dec;
+        int code;
+    } cases[] = {
+        {{0, 0, 2.5}, 0.0, 90.0, 1}, {{0, 0, -1}, 0.0, -90.0, 1}, {{0, 0, 0}, 0.0, 0.0, 2},
+        {{1, 0, 0}, 0.0, 0.0, 0},    {{0, 1, 0}, 6.0, 0.0, 0},    {{-1, 0, 1}, 12.0, 45.0, 0},
         {{0, -3, 0}, 18.0, 0.0, 0},
     };
     for (const Case& c : cases) {

@@ -22,8 +22,8 @@ StarVectors starVectors(double raHours, double decDeg, double pmRaSecPerCentury,
     const double pmd = pmDecArcsecPerCentury / (parallax * kDaysPerCentury);
     const double rvl = radialVelocityKmPerS * kSecondsPerDay / kKmPerAu;
     return {Vec3{distance * cdc * cra, distance * cdc * sra, distance * sdc},
-            Vec3{-pmr * sra - pmd * sdc * cra + rvl * cdc * cra, pmr * cra - pmd * sdc * sra + rvl * cdc * sra,
-                 pmd * cdc + rvl * sdc}};
+            Vec3{-pmr * sra - pmd * sdc * cra + rvl * cdc * cra,
+                 pmr * cra - pmd * sdc * sra + rvl * cdc * sra, pmd * cdc + rvl * sdc}};
 }
 
 Vec3 properMotion(double jdFrom, const StarVectors& star, double jdTo) {
@@ -52,8 +52,9 @@ Vec3 solarDeflection(const Vec3& position, const Vec3& observerHeliocentricAu) {
     const double xiFinal = zFinal / b;
     const double xiInitial = zInitial / b;
     // Deflection along the whole path, then the part seen at the observer.
-    const double delphi = 2.0 * kSunGravitationalParameter / (bMetres * kLightMetresPerSecond * kLightMetresPerSecond) *
-                          (xiFinal / std::sqrt(1.0 + xiFinal * xiFinal) - xiInitial / std::sqrt(1.0 + xiInitial * xiInitial));
+    const double delphi =
+        2.0 * kSunGravitationalParameter / (bMetres * kLightMetresPerSecond * kLightMetresPerSecond) *
+        (xiFinal / std::sqrt(1.0 + xiFinal * xiFinal) - xiInitial / std::sqrt(1.0 + xiInitial * xiInitial));
     const double delphp = delphi / (1.0 + pemag / pqmag);
     const double f = delphp * p1mag / sind;
     return position + f * (cosd * p1hat + pehat);  // rotated away from the Sun in the plane of star and Sun

@@ -25,7 +25,8 @@ void giantPlanetsBarycentreOffset(double jdTdb, Vec3* position, Vec3* velocity) 
     *position = {0.0, 0.0, 0.0};
     *velocity = {0.0, 0.0, 0.0};
     for (const GiantPlanetOrbit& p : kGiantPlanetMeanOrbits) {
-        const double lon = std::fmod(p.meanLongitudeJ2000Rad + p.meanMotionRadPerDay * (jdTdb - kJ2000Jd), kTwoPi);
+        const double lon =
+            std::fmod(p.meanLongitudeJ2000Rad + p.meanMotionRadPerDay * (jdTdb - kJ2000Jd), kTwoPi);
         const double sl = std::sin(lon), cl = std::cos(lon);
         const double a = p.semiMajorAxisAu, n = p.meanMotionRadPerDay;
         const double f = 1.0 / (p.inverseMass * totalMass);
@@ -36,7 +37,8 @@ void giantPlanetsBarycentreOffset(double jdTdb, Vec3* position, Vec3* velocity) 
 
 Vec3 heliocentricEarth(double jd) {
     const SunPlace sun = sunMeanPlaceOfDate(jd);
-    return -1.0 * (precessionMatrix(jd, kJ2000Jd) * sphericalToVector(sun.raHours, sun.decDeg, sun.distanceAu));
+    return -1.0 *
+           (precessionMatrix(jd, kJ2000Jd) * sphericalToVector(sun.raHours, sun.decDeg, sun.distanceAu));
 }
 }  // namespace
 

@@ -10,17 +10,17 @@
 namespace nocturnel {
 
 struct SolarSeriesTerm {
-    double longitude;   // l_i, 1e-7 rad
-    double radius;      // r_i, 1e-7 AU
-    double phaseRad;    // alpha_i
-    double frequency;   // nu_i, rad per 10000 Julian years
+    double longitude;  // l_i, 1e-7 rad
+    double radius;     // r_i, 1e-7 AU
+    double phaseRad;   // alpha_i
+    double frequency;  // nu_i, rad per 10000 Julian years
 };
 extern const std::array<SolarSeriesTerm, 50> kBretagnonSimonSolarSeries;
 
 struct GiantPlanetOrbit {
-    double inverseMass;           // solar mass / planet mass
+    double inverseMass;  // solar mass / planet mass
     double semiMajorAxisAu;
-    double meanLongitudeJ2000Rad; // on the ecliptic of J2000
+    double meanLongitudeJ2000Rad;  // on the ecliptic of J2000
     double meanMotionRadPerDay;
 };
 extern const std::array<GiantPlanetOrbit, 4> kGiantPlanetMeanOrbits;
@@ -29,7 +29,7 @@ inline constexpr double kEphemerisFirstJd = 2340000.5;
 inline constexpr double kEphemerisLastJd = 2560000.5;
 
 struct SunPlace {
-    double raHours;      // mean equator and equinox of date
+    double raHours;  // mean equator and equinox of date
     double decDeg;
     double distanceAu;
 };

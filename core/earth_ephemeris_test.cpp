@@ -1,18 +1,19 @@
 // The analytical Sun-Earth ephemeris against ERFA's eraEpv00 (VSOP2000 fit to DE405, far
 // more accurate than the series checked here) and eraDtdb.
+#include "core/earth_ephemeris.h"
+
 #include <erfa.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
 
 #include "core/astro_constants.h"
-#include "core/earth_ephemeris.h"
 
 namespace nocturnel {
 namespace {
 
 const double kDates[] = {2378496.5, 2415020.0, 2433282.5, 2444000.25, 2451545.0,
-                         2455197.5, 2460676.3, 2469807.5, 2488069.5, 2506331.9};
+                         2455197.5, 2460676.3, 2469807.5, 2488069.5,  2506331.9};
 
 double angleBetweenArcsec(const Vec3& a, const double b[3]) {
     const Vec3 bb{b[0], b[1], b[2]};
@@ -32,7 +33,8 @@ TEST(EarthEphemeris, HeliocentricEarthFollowsEpv00ToTheSeriesAccuracy) {
         eraEpv00(jd, 0.0, pvh, pvb);
         EXPECT_LT(angleBetweenArcsec(p, pvh[0]), 4.0) << "direction at JD " << jd;
         EXPECT_NEAR(length(p), std::sqrt(eraPdp(pvh[0], pvh[0])), 2.0e-5) << "distance at JD " << jd;
-        for (int i = 0; i < 3; ++i) EXPECT_NEAR(v[i], pvh[1][i], 1.0e-6) << "velocity " << i << " at JD " << jd;
+        for (int i = 0; i < 3; ++i)
+            EXPECT_NEAR(v[i], pvh[1][i], 1.0e-6) << "velocity " << i << " at JD " << jd;
     }
 }
 
@@ -47,14 +49,19 @@ TEST(EarthEphemeris, BarycentreOffsetFromTheGiantPlanetsFollowsEpv00) {
         eraEpv00(jd, 0.0, pvh, pvb);
         for (int i = 0; i < 3; ++i) {
             EXPECT_NEAR(pb[i] - ph[i], pvb[0][i] - pvh[0][i], 8.0e-4) << "offset " << i << " at JD " << jd;
-            EXPECT_NEAR(vb[i] - vh[i], pvb[1][i] - pvh[1][i], 1.0e-6) << "velocity offset " << i << " at JD " << jd;
+            EXPECT_NEAR(vb[i] - vh[i], pvb[1][i] - pvh[1][i], 1.0e-6)
+                << "velocity offset " << i << " at JD " << jd;
         }
     }
 }
 
 TEST(EarthEphemeris, RangeAndBodyErrors) {
-    struct Case { double jd; int body; int expected; } cases[] = {
-        {2340000.5, 3, 0}, {2560000.5, 3, 0}, {2340000.4, 3, 1}, {2560000.6, 3, 1},
+    struct Case {
+        double jd;
+        int body;
+        int expected;
+    } cases[] = {
+        {2340000.5, 3, 0},    {2560000.5, 3, 0}, {2340000.4, 3, 1},  {2560000.6, 3, 1},
         {std::nan(""), 3, 1}, {2451545.0, 5, 2}, {2451545.0, 11, 2},
     };
     for (const Case& c : cases) {

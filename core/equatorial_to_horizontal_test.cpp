@@ -31,7 +31,9 @@ const ObservingMoment kMoments[] = {
 double jdOf(const ObservingMoment& m) {
     return julianDateFromLocal(m.year, m.month, m.day, m.hour, m.minute, m.second, prefs().utcOffsetMin);
 }
-double deltaTOf(const ObservingMoment& m) { return deltaTForDate(m.year, m.month, m.day); }
+double deltaTOf(const ObservingMoment& m) {
+    return deltaTForDate(m.year, m.month, m.day);
+}
 
 // ERFA's observed azimuth and altitude (no refraction), degrees, of a J2000 place at rest.
 void erfaObserved(double raHours, double decDeg, double tt, double ut1, const SiteInfo& site, double* azDeg,
@@ -59,7 +61,7 @@ double skySeparationArcsec(double az1, double alt1, double az2, double alt2) {
 TEST_F(EquatorialToHorizontal, SiteComesFromThePreferencesWithLongitudeTurnedEast) {
     const SiteInfo site = siteInfoFromPreferences();
     EXPECT_NEAR(site.longitudeEastDeg, -1.8, 1e-6);  // 1.8 W handed on as -1.8 E
-    EXPECT_NEAR(site.latitudeDeg, 48.1, 1e-5);  // stored as float
+    EXPECT_NEAR(site.latitudeDeg, 48.1, 1e-5);       // stored as float
     EXPECT_EQ(site.heightM, 60.0);
     EXPECT_EQ(site.temperatureC, 10.0);
     EXPECT_EQ(site.pressureMbar, 1010.0);
@@ -69,7 +71,8 @@ TEST_F(EquatorialToHorizontal, SiteComesFromThePreferencesWithLongitudeTurnedEas
     double alt, az, ra, dec;
     ASSERT_EQ(equatorialToHorizontal(5.0, 20.0, 0, m, &alt, &az, &ra, &dec), 0);
     SiteInfo west = site;
-    const HorizontalPlace h = horizontalFromEquatorial(jdOf(m), deltaTOf(m), 0, 0, west, ra, dec, kRefractionNone);
+    const HorizontalPlace h =
+        horizontalFromEquatorial(jdOf(m), deltaTOf(m), 0, 0, west, ra, dec, kRefractionNone);
     EXPECT_NEAR(alt, 90.0 - h.zenithDistanceDeg, 1e-12);
     EXPECT_NEAR(az, h.azimuthDeg, 1e-12);
     prefs().longitudeDeg = -1.8f;
@@ -91,10 +94,14 @@ TEST_F(EquatorialToHorizontal, EachLevelChainsItsSteps) {
     entry.raHours = ra0;
     entry.decDeg = dec0;
     ASSERT_EQ(topo_star(jd, earth, deltaT, entry, site, &raTopo, &decTopo), 0);
-    struct Case { int level; double ra, dec; int refraction; } cases[] = {
-        {-5, ra0, dec0, kRefractionNone},           {-1, ra0, dec0, kRefractionNone},
-        {0, raDate, decDate, kRefractionNone},      {1, raDate, decDate, kRefractionSiteWeather},
-        {2, raTopo, decTopo, kRefractionNone},      {3, raTopo, decTopo, kRefractionSiteWeather},
+    struct Case {
+        int level;
+        double ra, dec;
+        int refraction;
+    } cases[] = {
+        {-5, ra0, dec0, kRefractionNone},      {-1, ra0, dec0, kRefractionNone},
+        {0, raDate, decDate, kRefractionNone}, {1, raDate, decDate, kRefractionSiteWeather},
+        {2, raTopo, decTopo, kRefractionNone}, {3, raTopo, decTopo, kRefractionSiteWeather},
         {4, raTopo, decTopo, kRefractionNone},
     };
     for (const Case& c : cases) {
@@ -117,7 +124,8 @@ TEST_F(EquatorialToHorizontal, TopocentricLevelFollowsErfaObservedPlace) {
         const double tolerance = 0.15 + 0.5 * std::fabs(jd - kJ2000Jd) / kDaysPerCentury;
         for (const ReferenceStar& s : kReferenceStars) {
             double alt, az, ra, dec, azRef, altRef;
-            ASSERT_EQ(equatorialToHorizontal(test::raHoursOf(s), test::decDegOf(s), 2, m, &alt, &az, &ra, &dec), 0);
+            ASSERT_EQ(
+                equatorialToHorizontal(test::raHoursOf(s), test::decDegOf(s), 2, m, &alt, &az, &ra, &dec), 0);
             erfaObserved(test::raHoursOf(s), test::decDegOf(s), jd, jd - deltaT / kSecondsPerDay,
                          siteInfoFromPreferences(), &azRef, &altRef);
             EXPECT_LT(skySeparationArcsec(az, alt, azRef, altRef), tolerance) << s.name << " in " << m.year;
@@ -133,11 +141,13 @@ TEST_F(EquatorialToHorizontal, UtHandedOnAsTtMovesThePlaceByDeltaTOfRotation) {
         const double jd = jdOf(m), deltaT = deltaTOf(m);
         for (const ReferenceStar& s : kReferenceStars) {
             double alt, az, ra, dec, azTrue, altTrue;
-            ASSERT_EQ(equatorialToHorizontal(test::raHoursOf(s), test::decDegOf(s), 2, m, &alt, &az, &ra, &dec), 0);
+            ASSERT_EQ(
+                equatorialToHorizontal(test::raHoursOf(s), test::decDegOf(s), 2, m, &alt, &az, &ra, &dec), 0);
             erfaObserved(test::raHoursOf(s), test::decDegOf(s), jd + deltaT / kSecondsPerDay, jd,
                          siteInfoFromPreferences(), &azTrue, &altTrue);
             const double expected = 15.0 * 1.00273790935 * deltaT * std::cos(dec * kDegToRad);
-            EXPECT_NEAR(skySeparationArcsec(az, alt, azTrue, altTrue), expected, 1.0) << s.name << " in " << m.year;
+            EXPECT_NEAR(skySeparationArcsec(az, alt, azTrue, altTrue), expected, 1.0)
+                << s.name << " in " << m.year;
         }
     }
 }
@@ -170,7 +180,8 @@ TEST_F(EquatorialToHorizontal, DateOutsideTheEphemerisFailsWithItsMessage) {
     EXPECT_EQ(alt, -99);
     EXPECT_EQ(ra, -99);
     capture.clear();
-    EXPECT_NE(equatorialToHorizontal(3.0, 20.0, 3, ObservingMoment{2300, 1, 1, 0, 0, 0}, &alt, &az, &ra, &dec), 0);
+    EXPECT_NE(
+        equatorialToHorizontal(3.0, 20.0, 3, ObservingMoment{2300, 1, 1, 0, 0, 0}, &alt, &az, &ra, &dec), 0);
     EXPECT_TRUE(capture.shown("Error from topo_star"));
     capture.clear();
     // The lower levels need no ephemeris.

@@ -19,27 +19,50 @@ double refractionDeg(const SiteInfo& site, int refractionOption, double zdDeg) {
     return r * (0.28 * pressure / (temperature + 273.0));
 }
 
-HorizontalPlace horizontalFromEquatorial(double jdTt, double deltaTSec, double xArcsec, double yArcsec,
-                                         const SiteInfo& site, double raHours, double decDeg,
-                                         int refractionOption) {
-    const double jdUt1 = jdTt - deltaTSec / kSecondsPerDay;
-    const double gast = apparentSiderealTimeHours(jdUt1, jdTt);
+namespace {
+// Unit vectors of the site's zenith, north and west in the true equator and equinox of date.
+struct SiteAxes {
+    Vec3 zenith, north, west;
+};
 
-    // Zenith, north and west of the site in the terrestrial frame, then in the celestial frame.
+// Built from the site's latitude and longitude, turned by polar motion and the apparent
+// sidereal time; the axes of the last moment and site are kept.
+SiteAxes siteAxesOfDate(double jdTt, double deltaTSec, double xArcsec, double yArcsec, const SiteInfo& site) {
+    struct Cache {
+        bool valid = false;
+        double jdTt, deltaTSec, xArcsec, yArcsec, latitudeDeg, longitudeEastDeg;
+        SiteAxes axes;
+    };
+    thread_local Cache cache;
+    if (cache.valid && cache.jdTt == jdTt && cache.deltaTSec == deltaTSec && cache.xArcsec == xArcsec &&
+        cache.yArcsec == yArcsec && cache.latitudeDeg == site.latitudeDeg &&
+        cache.longitudeEastDeg == site.longitudeEastDeg)
+        return cache.axes;
+
+    const double gast = apparentSiderealTimeHours(jdTt - deltaTSec / kSecondsPerDay, jdTt);
     const double lat = site.latitudeDeg * kDegToRad, lon = site.longitudeEastDeg * kDegToRad;
     const double sinlat = std::sin(lat), coslat = std::cos(lat);
     const double sinlon = std::sin(lon), coslon = std::cos(lon);
-    Vec3 uz{coslat * coslon, coslat * sinlon, sinlat};
-    Vec3 un{-sinlat * coslon, -sinlat * sinlon, coslat};
-    Vec3 uw{sinlon, -coslon, 0.0};
+    SiteAxes axes{{coslat * coslon, coslat * sinlon, sinlat},
+                  {-sinlat * coslon, -sinlat * sinlon, coslat},
+                  {sinlon, -coslon, 0.0}};
     if (xArcsec != 0.0 || yArcsec != 0.0) {
-        uz = wobble(xArcsec, yArcsec, uz);
-        un = wobble(xArcsec, yArcsec, un);
-        uw = wobble(xArcsec, yArcsec, uw);
+        axes = {wobble(xArcsec, yArcsec, axes.zenith), wobble(xArcsec, yArcsec, axes.north),
+                wobble(xArcsec, yArcsec, axes.west)};
     }
-    uz = spin(gast, uz);
-    un = spin(gast, un);
-    uw = spin(gast, uw);
+    axes = {spin(gast, axes.zenith), spin(gast, axes.north), spin(gast, axes.west)};
+    cache = {true, jdTt, deltaTSec, xArcsec, yArcsec, site.latitudeDeg, site.longitudeEastDeg, axes};
+    return axes;
+}
+}  // namespace
+
+HorizontalPlace horizontalFromEquatorial(double jdTt, double deltaTSec, double xArcsec, double yArcsec,
+                                         const SiteInfo& site, double raHours, double decDeg,
+                                         int refractionOption) {
+    const SiteAxes axes = siteAxesOfDate(jdTt, deltaTSec, xArcsec, yArcsec, site);
+    const Vec3& uz = axes.zenith;
+    const Vec3& un = axes.north;
+    const Vec3& uw = axes.west;
 
     const Vec3 p = [&] {
         const double ra = raHours * 15.0 * kDegToRad, dec = decDeg * kDegToRad;

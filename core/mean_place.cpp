@@ -32,7 +32,8 @@ int meanPlaceFromForward(const ForwardPlace& forward, double raHours, double dec
         if (dRa < -12.0) dRa += 24.0;
         const double nextRa = guessRa - dRa;
         const double nextDec = guessDec - (dec - decDeg);
-        const bool settled = std::fabs(nextRa - guessRa) <= 1.0e-10 && std::fabs(nextDec - guessDec) <= 1.0e-9;
+        const bool settled =
+            std::fabs(nextRa - guessRa) <= 1.0e-10 && std::fabs(nextDec - guessDec) <= 1.0e-9;
         guessRa = nextRa;
         guessDec = nextDec;
         if (settled) break;

@@ -8,7 +8,8 @@
 namespace nocturnel {
 
 // A forward reduction: J2000 place in, place of date out; 0 success, else its error.
-using ForwardPlace = std::function<int(double raJ2000Hours, double decJ2000Deg, double* raHours, double* decDeg)>;
+using ForwardPlace =
+    std::function<int(double raJ2000Hours, double decJ2000Deg, double* raHours, double* decDeg)>;
 
 // The J2000 place whose forward reduction is (raHours, decDeg). 0 success; 1 no convergence
 // within 20 rounds (both outputs 0); a forward error plus 10. RA out in [0, 24).

@@ -1,11 +1,12 @@
 // The inverse reduction: round trips through every forward reduction, and its failures.
+#include "core/mean_place.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <string>
 
 #include "core/astro_constants.h"
-#include "core/mean_place.h"
 #include "core/pipeline_test_support.h"
 #include "core/reference_stars_test_data.h"
 #include "settings/message.h"
@@ -63,8 +64,11 @@ TEST_F(MeanPlace, PlaceUsedAtEachLevelGoesBack) {
     for (int level : {-1, 0, 1, 2, 3}) {
         for (const ReferenceStar& s : kReferenceStars) {
             double alt, az, ra, dec, raBack, decBack;
-            ASSERT_EQ(equatorialToHorizontal(test::raHoursOf(s), test::decDegOf(s), level, m, &alt, &az, &ra, &dec), 0);
-            ASSERT_EQ(meanPlaceFromPlaceUsed(ra, dec, level, m, &raBack, &decBack), 0) << s.name << " level " << level;
+            ASSERT_EQ(
+                equatorialToHorizontal(test::raHoursOf(s), test::decDegOf(s), level, m, &alt, &az, &ra, &dec),
+                0);
+            ASSERT_EQ(meanPlaceFromPlaceUsed(ra, dec, level, m, &raBack, &decBack), 0)
+                << s.name << " level " << level;
             expectSamePlace(raBack, decBack, test::raHoursOf(s), test::decDegOf(s), s.name);
         }
     }

@@ -62,8 +62,7 @@ Mat3 nutationMatrix(const EarthTilt& tilt) {
     const double ct = std::cos(et), st = std::sin(et);
     const double cp = std::cos(psi), sp = std::sin(psi);
     // R1(-true obliquity) R3(-dpsi) R1(mean obliquity)
-    return {Vec3{cp, -sp * cm, -sp * sm},
-            Vec3{sp * ct, cp * cm * ct + sm * st, cp * sm * ct - cm * st},
+    return {Vec3{cp, -sp * cm, -sp * sm}, Vec3{sp * ct, cp * cm * ct + sm * st, cp * sm * ct - cm * st},
             Vec3{sp * st, cp * cm * st - sm * ct, cp * sm * st + cm * ct}};
 }
 

@@ -1,12 +1,13 @@
 // Precession, nutation, obliquity and sidereal time against ERFA's implementations of the
 // same IAU models (eraPmat76, eraNut80, eraNutm80, eraObl80, eraEqeq94, eraGmst82).
+#include "core/nutation.h"
+
 #include <erfa.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
 
 #include "core/astro_constants.h"
-#include "core/nutation.h"
 #include "core/precession.h"
 #include "core/sidereal_time.h"
 
@@ -14,8 +15,8 @@ namespace nocturnel {
 namespace {
 
 // Dates from 1800 to 2200 in uneven steps so every series term changes phase.
-const double kDates[] = {2378496.5, 2396758.25, 2415020.0, 2433282.5, 2440000.123, 2451545.0,
-                         2455197.5, 2458849.75, 2460676.3, 2469807.5, 2488069.5, 2506331.9, 2524593.5};
+const double kDates[] = {2378496.5,  2396758.25, 2415020.0, 2433282.5, 2440000.123, 2451545.0, 2455197.5,
+                         2458849.75, 2460676.3,  2469807.5, 2488069.5, 2506331.9,   2524593.5};
 
 double maxMatrixDifference(const Mat3& ours, double ref[3][3]) {
     double worst = 0.0;

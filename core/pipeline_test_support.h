@@ -2,7 +2,6 @@
 // A fresh temporary program folder and default preferences for each test of the pipeline's
 // wrapper, with the site used throughout.
 #include <gtest/gtest.h>
-
 #include <unistd.h>
 
 #include <filesystem>

@@ -13,8 +13,8 @@ Mat3 precessionMatrix(double jdFrom, double jdTo) {
     const double rate = 2306.2181 + 1.39656 * t0 - 0.000139 * t0 * t0;
     const double zeta0 = (rate * t + (0.30188 - 0.000344 * t0) * t2 + 0.017998 * t3) / kArcsecPerRadian;
     const double z = (rate * t + (1.09468 + 0.000066 * t0) * t2 + 0.018203 * t3) / kArcsecPerRadian;
-    const double theta = ((2004.3109 - 0.8533 * t0 - 0.000217 * t0 * t0) * t - (0.42665 + 0.000217 * t0) * t2 -
-                          0.041833 * t3) /
+    const double theta = ((2004.3109 - 0.8533 * t0 - 0.000217 * t0 * t0) * t -
+                          (0.42665 + 0.000217 * t0) * t2 - 0.041833 * t3) /
                          kArcsecPerRadian;
     const double cz0 = std::cos(zeta0), sz0 = std::sin(zeta0);
     const double cz = std::cos(z), sz = std::sin(z);

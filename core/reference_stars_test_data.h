@@ -6,8 +6,10 @@ namespace nocturnel::test {
 
 struct ReferenceStar {
     const char* name;
-    int raH, raM; double raS;
-    int decSign, decD, decM; double decS;
+    int raH, raM;
+    double raS;
+    int decSign, decD, decM;
+    double decS;
     double pmRaCosDecMasPerYear, pmDecMasPerYear, parallaxMas, radialVelocityKmPerS;
 };
 
@@ -46,7 +48,11 @@ inline constexpr ReferenceStar kReferenceStars[] = {
     {"Lacaille 9352", 23, 5, 52.036, -1, 35, 51, 11.05, 6768.20, 1327.52, 303.89, 8.8},
 };
 
-inline double raHoursOf(const ReferenceStar& s) { return s.raH + s.raM / 60.0 + s.raS / 3600.0; }
-inline double decDegOf(const ReferenceStar& s) { return s.decSign * (s.decD + s.decM / 60.0 + s.decS / 3600.0); }
+inline double raHoursOf(const ReferenceStar& s) {
+    return s.raH + s.raM / 60.0 + s.raS / 3600.0;
+}
+inline double decDegOf(const ReferenceStar& s) {
+    return s.decSign * (s.decD + s.decM / 60.0 + s.decS / 3600.0);
+}
 
 }  // namespace nocturnel::test

@@ -4,6 +4,8 @@
 #include <array>
 #include <cctype>
 
+#include "settings/text_encoding.h"
+
 namespace nocturnel {
 namespace {
 
@@ -89,21 +91,6 @@ bool equalIgnoringCase(sv a, sv b) {
         if (std::tolower(static_cast<unsigned char>(a[i])) != std::tolower(static_cast<unsigned char>(b[i])))
             return false;
     return true;
-}
-
-// Latin-1 to UTF-8 for comparing with text typed in a UTF-8 terminal.
-std::string latin1ToUtf8(sv text) {
-    std::string out;
-    for (const char ch : text) {
-        const auto c = static_cast<unsigned char>(ch);
-        if (c < 0x80) {
-            out.push_back(ch);
-        } else {
-            out.push_back(static_cast<char>(0xC0 | (c >> 6)));
-            out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
-        }
-    }
-    return out;
 }
 
 }  // namespace

@@ -134,6 +134,12 @@ TEST_F(FoundationCommands, SiteSurvivesARestartAndMovesTheJulianDate) {
     CliRun r = run({"site", "set", "--lat", "-33:52:08", "--lon", "-151.2093", "--utc-offset", "600", "--name",
                     "Sydney", "--height", "58"});
     ASSERT_EQ(r.exit, 0) << r.out;
+    // A name typed in UTF-8 is kept in Latin-1 and shown in UTF-8 again (11 Latin-1 characters fit).
+    r = run({"prefs", "set", "siteName", "Z\xC3\xBCrich S\xC3\xBCd"});
+    ASSERT_EQ(r.exit, 0) << r.out;
+    EXPECT_EQ(run({"site", "show", "--json"}).json()["name"], "Z\xC3\xBCrich S\xC3\xBCd");
+    r = run({"prefs", "set", "siteName", "Sydney"});
+    ASSERT_EQ(r.exit, 0) << r.out;
     r = run({"site", "show", "--json"});
     ASSERT_EQ(r.exit, 0);
     auto j = r.json();
@@ -153,8 +159,10 @@ TEST_F(FoundationCommands, SiteSetRefusesBadValuesAndKeepsTheOldSite) {
         {{"--lat", "91", "--lon", "0", "--utc-offset", "0"}, "Invalid latitude \"91\""},
         {{"--lat", "north", "--lon", "0", "--utc-offset", "0"}, "Invalid latitude \"north\""},
         {{"--lat", "10", "--lon", "180.5", "--utc-offset", "0"}, "Invalid longitude \"180.5\""},
-        {{"--lat", "10", "--lon", "0", "--utc-offset", "1440"}, "Invalid UT offset 1440"},
-        {{"--lat", "10", "--lon", "0", "--utc-offset", "0", "--height", "32000"}, "Invalid height 32000"},
+        {{"--lat", "10", "--lon", "0", "--utc-offset", "1440"}, "Invalid UT offset \"1440\""},
+        {{"--lat", "10", "--lon", "0", "--utc-offset", "0", "--height", "32000"}, "Invalid height \"32000\""},
+        {{"--lat", "10", "--lon", "0", "--utc-offset", "abc"}, "Invalid UT offset \"abc\""},
+        {{"--lat", "10", "--lon", "0", "--utc-offset", "0", "--name", "\xE2\x82\xAC uro"}, "Invalid site name \"\xE2\x82\xAC uro\""},
         {{"--lat", "10", "--lon", "0", "--utc-offset", "0", "--name", "A name too long"},
          "Invalid site name \"A name too long\""},
     };

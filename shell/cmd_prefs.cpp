@@ -9,6 +9,7 @@
 #include "settings/message.h"
 #include "settings/preference_fields.h"
 #include "settings/preferences.h"
+#include "settings/text_encoding.h"
 #include "shell/app.h"
 #include "shell/commands.h"
 
@@ -74,6 +75,17 @@ void runSet(const SetArguments& args) {
             std::snprintf(buf, sizeof buf, "%.9g", *angle);
             value = buf;
         }
+    }
+    // Texts are kept in Latin-1; the terminal types UTF-8.
+    const PreferenceField* field = findPreferenceField(args.name);
+    if (field && field->type == FieldType::Text) {
+        const auto latin1 = utf8ToLatin1(value);
+        if (!latin1) {
+            showMessage("Invalid value for " + args.name, "Only Latin-1 characters can be stored.");
+            setExitCode(1);
+            return;
+        }
+        value = *latin1;
     }
     Preferences edited = prefs();
     if (!setPreferenceField(edited, args.name, value)) {

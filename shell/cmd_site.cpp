@@ -11,6 +11,7 @@
 #include "settings/location_page.h"
 #include "settings/message.h"
 #include "settings/preferences.h"
+#include "settings/text_encoding.h"
 #include "shell/app.h"
 #include "shell/commands.h"
 
@@ -18,9 +19,7 @@ namespace nocturnel {
 namespace {
 
 struct SiteArguments {
-    std::string latitude, longitude, name;
-    int utcOffsetMin = 0;
-    std::optional<int> heightM;
+    std::string latitude, longitude, name, utcOffset, height;
     int memory = 0;
 };
 
@@ -89,25 +88,28 @@ void runSet(const SiteArguments& a) {
         setExitCode(1);
         return;
     }
-    if (a.utcOffsetMin < -1439 || a.utcOffsetMin > 1439) {
-        showMessage("Invalid UT offset " + std::to_string(a.utcOffsetMin), "The offset must be between -1439 and 1439 minutes.");
+    // The Location page's rules: offset -1439..1439 (6 characters), height 0..31999 (6 characters).
+    long offset = 0, height = 0;
+    if (!readIntegerField(a.utcOffset, kUtcOffsetChars, offset) || offset < -1439 || offset > 1439) {
+        showMessage("Invalid UT offset \"" + a.utcOffset + "\"", "The offset must be between -1439 and 1439 minutes.");
         setExitCode(1);
         return;
     }
-    if (a.heightM && (*a.heightM < 0 || *a.heightM > 31999)) {
-        showMessage("Invalid height " + std::to_string(*a.heightM), "The height must be between 0 and 31999 metres.");
+    if (!a.height.empty() && (!readIntegerField(a.height, kHeightChars, height) || height < 0 || height > 31999)) {
+        showMessage("Invalid height \"" + a.height + "\"", "The height must be between 0 and 31999 metres.");
         setExitCode(1);
         return;
     }
-    if (a.name.size() > kLocationNameChars - 1) {
-        showMessage("Invalid site name \"" + a.name + "\"", "A site name has at most 11 characters.");
+    const auto name = utf8ToLatin1(a.name);
+    if (!name || name->size() > kLocationNameChars - 1) {
+        showMessage("Invalid site name \"" + a.name + "\"", "A site name has at most 11 Latin-1 characters.");
         setExitCode(1);
         return;
     }
     Preferences& p = prefs();
-    setSitePosition(p, *lat, *lon, a.utcOffsetMin);
-    if (!a.name.empty()) copyFixedText(p.siteName, a.name.c_str());
-    if (a.heightM) p.altitudeM = static_cast<int16_t>(*a.heightM);
+    setSitePosition(p, *lat, *lon, static_cast<int>(offset));
+    if (!name->empty()) copyFixedText(p.siteName, name->c_str());
+    if (!a.height.empty()) p.altitudeM = static_cast<int16_t>(height);
     if (!savePrefsForCommand()) return;
     printSite(p);
 }
@@ -146,10 +148,10 @@ void registerSiteCommand(CLI::App& app) {
     CLI::App* set = site->add_subcommand("set", "Set the current site (longitude positive WEST, as stored)");
     set->add_option("--lat", args->latitude, "Latitude, degrees north (decimal or 48:06:00)")->required();
     set->add_option("--lon", args->longitude, "Longitude, degrees WEST positive (decimal or 1:48:00)")->required();
-    set->add_option("--utc-offset", args->utcOffsetMin, "Local = UT + offset, minutes, daylight saving included")
+    set->add_option("--utc-offset", args->utcOffset, "Local = UT + offset, minutes, daylight saving included")
         ->required();
     set->add_option("--name", args->name, "Site name (at most 11 characters)");
-    set->add_option("--height", args->heightM, "Height above sea level, metres (0..31999)");
+    set->add_option("--height", args->height, "Height above sea level, metres (0..31999)");
     set->callback([args] { runSet(*args); });
 
     CLI::App* store = site->add_subcommand("store", "Store the current site into memory N (1..3)");

@@ -26,11 +26,16 @@ struct PlaceOptions {
 
 const char* levelName(int level) {
     switch (level) {
-        case 0: return "Geocentric";
-        case 1: return "Geoc. + Refract";
-        case 2: return "Topocentric";
-        case 3: return "Topo + Refract";
-        default: return level < 0 ? "Catalogue place" : "Topocentric";
+        case 0:
+            return "Geocentric";
+        case 1:
+            return "Geoc. + Refract";
+        case 2:
+            return "Topocentric";
+        case 3:
+            return "Topo + Refract";
+        default:
+            return level < 0 ? "Catalogue place" : "Topocentric";
     }
 }
 
@@ -94,7 +99,8 @@ void runMean(const PlaceOptions& options) {
     const int level = options.level.value_or(pointingLevelFromPreferences());
     double ra = 0.0, dec = 0.0;
     const int result = meanPlaceFromPlaceUsed(raUsed, decUsed, level, prefs().moment, &ra, &dec);
-    if (result == 1) showMessage("The mean place did not converge", "No J2000 place found within 20 iterations.");
+    if (result == 1)
+        showMessage("The mean place did not converge", "No J2000 place found within 20 iterations.");
     if (result != 0) {
         setExitCode(1);
         return;

@@ -304,13 +304,26 @@ int buildCatalogues(const BuildOptions& options, BuildReport* reportOut) {
         return 1;
     }
 
+    // Everything is written into a staging folder inside the output folder and checked there;
+    // only a complete, checked set replaces the files in use, so a failed build leaves an
+    // existing data/ as it was.
     std::error_code ec;
+    const fs::path stage = options.outputFolder / ".catalog-build";
     fs::create_directories(options.outputFolder, ec);
-    if (!fs::is_directory(options.outputFolder, ec)) {
-        showMessage(kWriteFailed, options.outputFolder.string());
+    fs::remove_all(stage, ec);
+    fs::create_directories(stage, ec);
+    if (!fs::is_directory(stage, ec)) {
+        showMessage(kWriteFailed, stage.string());
         return 1;
     }
-    FileWriter writer(options.outputFolder, report);
+    struct StageCleaner {
+        fs::path folder;
+        ~StageCleaner() {
+            std::error_code ignored;
+            fs::remove_all(folder, ignored);
+        }
+    } cleaner{stage};
+    FileWriter writer(stage, report);
     const bool written =
         writer.write("nocturnel_default_stars.ppc", 1, starFiles.defaultStars) &&
         writer.writeBlocks("nocturnel_hr.ppc", starFiles.hr, 42) && writer.write("nocturnel_hr_idx.ppc", 1, starFiles.hrIndex) &&
@@ -328,11 +341,21 @@ int buildCatalogues(const BuildOptions& options, BuildReport* reportOut) {
         writeConstellations(writer, stars.constellations) &&
         (options.tycho2File.empty() || writeTycho(writer, options.tycho2File));
     if (!written) return 1;
-    if (!writeWholeFile(options.outputFolder / "SOURCES", sourcesText(paths, dso, !options.tycho2File.empty()))) {
-        showMessage(kWriteFailed, (options.outputFolder / "SOURCES").string());
+    if (!writeWholeFile(stage / "SOURCES", sourcesText(paths, dso, !options.tycho2File.empty()))) {
+        showMessage(kWriteFailed, (stage / "SOURCES").string());
         return 1;
     }
-    if (!checkAll(options.outputFolder, !options.tycho2File.empty())) return 1;
+    if (!checkAll(stage, !options.tycho2File.empty())) return 1;
+    std::vector<std::string> names;
+    for (const BuiltFile& f : report.files) names.push_back(f.name);
+    names.push_back("SOURCES");  // last: its presence tells a complete set
+    for (const std::string& name : names) {
+        fs::rename(stage / name, options.outputFolder / name, ec);
+        if (ec) {
+            showMessage(kWriteFailed, (options.outputFolder / name).string());
+            return 1;
+        }
+    }
 
     for (const CatalogueFill& f : objectFiles.fills) {
         const std::string name = kCatalogDefinitions[f.catalog].name;
