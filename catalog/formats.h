@@ -63,7 +63,7 @@ static_assert(sizeof(DefaultStarRecord) == 44);
 // list), the second half holds the same stars ordered by the 16-bit key (the HR number).
 struct BrightStarRecord {
     char name[16];            // proper name, NUL-terminated
-    uint16_t hipHigh;         // Hipparcos number / 65536 ... (hip = hipHigh * 65536 + hipLow)
+    int16_t constellation;    // constellation number (nocturnel_constellation.ppc order), -1 unknown
     uint16_t key;             // HR number: the binary-search key of the second half
 };
 static_assert(sizeof(BrightStarRecord) == 20);

@@ -1,5 +1,7 @@
 #include "chart/chart_render.h"
 
+#include <fontconfig/fontconfig.h>
+
 #include <cmath>
 #include <cstdio>
 
@@ -150,6 +152,11 @@ bool saveChartPng(cairo_surface_t* surface, const std::filesystem::path& path) {
         return false;
     }
     return true;
+}
+
+void releaseChartFonts() {
+    cairo_debug_reset_static_data();
+    FcFini();
 }
 
 }  // namespace nocturnel

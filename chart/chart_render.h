@@ -65,5 +65,8 @@ ChartView chartViewForRequest(const ChartRequest& request, double& jdUt);
 ChartSurface renderChart(const ChartRequest& request, ChartResult& result);
 // Writes the surface as PNG; false with a message when the file cannot be written.
 bool saveChartPng(cairo_surface_t* surface, const std::filesystem::path& path);
+// Releases the font caches of cairo and fontconfig at the end of a process that drew charts
+// (no chart surface may be alive).
+void releaseChartFonts();
 
 }  // namespace nocturnel

@@ -15,16 +15,19 @@
 #include "settings/message.h"
 #include "settings/preferences.h"
 
-// Fontconfig (under cairo's text) keeps its caches until exit by design; the leak checker of
-// sanitizer builds is told to leave them alone.
-extern "C" const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig\n"; }
-
 namespace nocturnel {
 namespace {
 
 using testing::TempProgramFolder;
 constexpr double kDegToRad = M_PI / 180;
+
+// The font caches of cairo and fontconfig are released after the last test, as the command
+// line does, so that the leak checker of sanitizer builds sees a clean exit.
+class FontRelease : public ::testing::Environment {
+public:
+    void TearDown() override { releaseChartFonts(); }
+};
+::testing::Environment* const kFontRelease = ::testing::AddGlobalTestEnvironment(new FontRelease);
 
 class PreferencesGuard {
 public:

@@ -3,6 +3,7 @@
 //   align --from-scope NAME1 NAME2      (centre each star with the connected drive, press Enter)
 //   align report [-o FILE] | align restore | align map --ra H --dec D
 #include <cstdio>
+#include <cstdlib>
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -21,6 +22,7 @@
 #include "settings/program_folder.h"
 #include "shell/app.h"
 #include "shell/commands.h"
+#include "shell/scope_clock.h"
 #include "shell/star_names.h"
 
 namespace nocturnel {
@@ -89,6 +91,8 @@ std::string localTimeText() {
 }
 
 int alignFromScope(const std::vector<std::string>& names) {
+    useCommandLineClockForScope();
+    if (const char* settle = std::getenv("NOCTURNEL_SERIAL_SETTLE_MS")) setSerialSettleMillisecondsForTests(std::atoi(settle));
     AlignmentForm form;
     setHoldOpen(prefs().scopeDrive != 0 ? 1 : 0);
     int result = 1;

@@ -154,7 +154,10 @@ void registerChartCommand(CLI::App& app) {
     dec->excludes(alt);
     cmd->add_flag("--night", options->night, "Night mode: red on black");
     cmd->add_option("--at", options->at, "Print the sky position under the chart point X,Y instead of drawing");
-    cmd->callback([options] { runChart(*options); });
+    cmd->callback([options] {
+        runChart(*options);
+        releaseChartFonts();
+    });
 }
 
 }  // namespace nocturnel

@@ -21,6 +21,7 @@
 #include <string>
 #include <thread>
 
+#include "align/alignment.h"
 #include "core/angle_text.h"
 #include "scope/drive_types.h"
 #include "scope/mount_simulators.h"
@@ -31,6 +32,7 @@
 #include "settings/preferences.h"
 #include "shell/app.h"
 #include "shell/commands.h"
+#include "shell/scope_clock.h"
 
 namespace nocturnel {
 
@@ -142,15 +144,13 @@ bool prepare(const ScopeOptions& o) {
         const int index = portIndexOf(o.port);
         prefs().scopePort = index < 0 ? 0 : index;
     }
+    // A saved two-star alignment is offered again, so that aligned drives read and point
+    // through it in every run.
+    offerAlignmentRestore();
     if (o.trace && !isTraceOn()) toggleTrace();
     if (o.simulated) prefs().simulatedScope = 1;
     // --date / --time fix "now"; otherwise the machine clock runs.
-    if (!globalOptions().date.empty() || !globalOptions().time.empty()) {
-        const ObservingMoment fixed = prefs().moment;
-        setScopeClock([fixed] { return fixed; });
-    } else {
-        setScopeClock({});
-    }
+    useCommandLineClockForScope();
     return true;
 }
 
@@ -224,6 +224,14 @@ void runConnect(const ScopeOptions& o) {
 void runRead(const ScopeOptions& o) {
     if (!prepare(o)) return fail();
     double first = 0, second = 0;
+    // Drives that read their own axes (encoder boxes) report the sky position once an
+    // alignment links those axes to the sky; the others report what the mount says.
+    if (alignmentState().valid && driveFamily(prefs().scopeDrive) == DriveFamily::EncoderBox) {
+        const int ok = scopeTrackPosition(first, second);
+        scopeDisconnect();
+        if (!ok) return fail();
+        return printPosition(first, second, false);
+    }
     if (!scopeReadPosition(first, second)) return fail();
     printPosition(first, second, readsAltAz(prefs().scopeDrive));
 }

@@ -25,26 +25,10 @@
 #include "settings/preferences.h"
 #include "settings/program_folder.h"
 #include "shell/app.h"
-#include "shell/commands.h"
+#include "shell/cli_test_runner.h"
 
 namespace nocturnel {
 namespace {
-
-struct CliResult {
-    int exit = 0;
-    std::string out;
-    std::vector<Message> messages;
-    bool shown(const std::string& title) const {
-        for (const Message& m : messages)
-            if (m.title == title) return true;
-        return false;
-    }
-    std::string titles() const {
-        std::string all;
-        for (const Message& m : messages) all += "[" + m.title + "] ";
-        return all;
-    }
-};
 
 class ScopeCommand : public ::testing::Test {
 protected:
@@ -67,37 +51,10 @@ protected:
         std::filesystem::remove_all(home_, ec);
     }
 
-    // Runs `nocturnel --home HOME <args...>` with the scope command registered.
-    CliResult run(std::vector<std::string> args) {
-        globalOptions() = GlobalOptions{};
-        setExitCode(0);
-        CLI::App app{"nocturnel"};
-        app.require_subcommand(1);
-        app.add_option("--home", globalOptions().home);
-        app.add_option("--date", globalOptions().date);
-        app.add_option("--time", globalOptions().time);
-        app.add_flag("--json", globalOptions().json);
-        app.fallthrough();
-        registerScopeCommand(app);
-        args.insert(args.begin(), {"nocturnel", "--home", home_.string()});
-        std::vector<char*> argv;
-        for (std::string& a : args) argv.push_back(a.data());
-        CliResult result;
-        std::ostringstream out;
-        std::streambuf* previous = std::cout.rdbuf(out.rdbuf());
-        {
-            MessageCapture capture;
-            try {
-                app.parse(static_cast<int>(argv.size()), argv.data());
-                result.exit = exitCode();
-            } catch (const CLI::ParseError& e) {
-                result.exit = e.get_exit_code() == 0 ? 0 : 2;
-            }
-            result.messages = capture.messages();
-        }
-        std::cout.rdbuf(previous);
-        result.out = out.str();
-        return result;
+    // Runs `nocturnel --home HOME <args...>`.
+    CliRun run(std::vector<std::string> args) {
+        args.insert(args.begin(), {"--home", home_.string()});
+        return runCommandLine(std::move(args));
     }
 
     std::filesystem::path home_;
@@ -115,10 +72,10 @@ TEST_F(ScopeCommand, EveryDriveWithASimulatorConnectsReadsAndMoves) {
         const std::string code = std::to_string(drive.code);
         const std::string port = mount.devicePath();
 
-        CliResult connect = run({"scope", "--drive", code, "--port", port, "connect"});
+        CliRun connect = run({"scope", "--drive", code, "--port", port, "connect"});
         EXPECT_EQ(connect.exit, 0) << connect.titles();
 
-        CliResult read = run({"--json", "scope", "--drive", code, "--port", port, "read"});
+        CliRun read = run({"--json", "scope", "--drive", code, "--port", port, "read"});
         ASSERT_EQ(read.exit, 0) << read.titles();
         auto j = nlohmann::json::parse(read.out);
         if (drive.family == DriveFamily::EncoderBox) {
@@ -133,7 +90,7 @@ TEST_F(ScopeCommand, EveryDriveWithASimulatorConnectsReadsAndMoves) {
         }
 
         mount.clearReceived();
-        CliResult move = run({"scope", "--drive", code, "--port", port, "move", "n", "--rate", "2"});
+        CliRun move = run({"scope", "--drive", code, "--port", port, "move", "n", "--rate", "2"});
         if (drive.code == kDriveUltima2000) {
             // Served by the dispatch, but the Ultima takes no motion packets: nothing moves.
             EXPECT_EQ(move.exit, 0) << move.titles();
@@ -168,7 +125,7 @@ TEST_F(ScopeCommand, DrivesWithoutAProtocolSayWhy) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.message);
-        CliResult r = run(row.args);
+        CliRun r = run(row.args);
         EXPECT_EQ(r.exit, 1);
         EXPECT_TRUE(r.shown(row.message)) << r.titles();
     }
@@ -190,7 +147,7 @@ TEST_F(ScopeCommand, FaultyMountsEndWithAMessageAndExitOne) {
             encoderResetState();
             PtyMount mount(fault.responder);
             const auto start = std::chrono::steady_clock::now();
-            CliResult r = run({"scope", "--drive", drive, "--port", mount.devicePath(), "read"});
+            CliRun r = run({"scope", "--drive", drive, "--port", mount.devicePath(), "read"});
             EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(60));  // never a hang
             EXPECT_EQ(r.exit, 1);
             EXPECT_FALSE(r.messages.empty());
@@ -202,7 +159,7 @@ TEST_F(ScopeCommand, VanishedDeviceEndsTracking) {
     PtyMount mount(makeMountSimulator(5));
     const std::string port = mount.devicePath();
     mount.closeNow();
-    CliResult r = run({"scope", "--drive", "LX200", "--port", port, "track", "--count", "3"});
+    CliRun r = run({"scope", "--drive", "LX200", "--port", port, "track", "--count", "3"});
     EXPECT_EQ(r.exit, 1);
     EXPECT_FALSE(r.messages.empty());
     EXPECT_EQ(r.out, "");
@@ -212,7 +169,7 @@ TEST_F(ScopeCommand, GotoReportsTheMountsAnswer) {
     auto model = std::make_shared<Lx200MountModel>();
     PtyMount mount(makeLx200Responder(model));
     const std::string port = mount.devicePath();
-    CliResult ok = run({"--json", "--date", "2024-03-15", "--time", "22:30", "scope", "--drive", "LX200", "--port",
+    CliRun ok = run({"--json", "--date", "2024-03-15", "--time", "22:30", "scope", "--drive", "LX200", "--port",
                         port, "goto", "--ra", "05:55:10", "--dec", "+07:24:25"});
     ASSERT_EQ(ok.exit, 0) << ok.titles();
     auto j = nlohmann::json::parse(ok.out);
@@ -221,18 +178,18 @@ TEST_F(ScopeCommand, GotoReportsTheMountsAnswer) {
     EXPECT_NE(mount.received().find(":MS#"), std::string::npos);
 
     model->update([](Lx200MountState& s) { s.gotoReply = "1"; });
-    CliResult below = run({"scope", "--drive", "LX200", "--port", port, "goto", "--ra", "5.9", "--dec", "7.4"});
+    CliRun below = run({"scope", "--drive", "LX200", "--port", port, "goto", "--ra", "5.9", "--dec", "7.4"});
     EXPECT_EQ(below.exit, 1);
     EXPECT_TRUE(below.shown("Object is below horizon in Goto.")) << below.titles();
     EXPECT_TRUE(below.shown("Goto failed"));
 
-    CliResult bad = run({"scope", "--drive", "LX200", "--port", port, "goto", "--ra", "five", "--dec", "7.4"});
+    CliRun bad = run({"scope", "--drive", "LX200", "--port", port, "goto", "--ra", "five", "--dec", "7.4"});
     EXPECT_EQ(bad.exit, 1);
     EXPECT_FALSE(bad.messages.empty());
 }
 
 TEST_F(ScopeCommand, GotoOnADriveThatCannotSlewShowsTheTarget) {
-    CliResult r = run({"scope", "--drive", "None", "goto", "--ra", "5.9", "--dec", "7.4"});
+    CliRun r = run({"scope", "--drive", "None", "goto", "--ra", "5.9", "--dec", "7.4"});
     EXPECT_EQ(r.exit, 0);
     ASSERT_EQ(r.messages.size(), 1u);
     EXPECT_EQ(r.messages[0].title.rfind("Sky position:\nRa:", 0), 0u);
@@ -241,7 +198,7 @@ TEST_F(ScopeCommand, GotoOnADriveThatCannotSlewShowsTheTarget) {
 
 TEST_F(ScopeCommand, TrackPrintsOneLinePerRead) {
     PtyMount mount(makeMountSimulator(5, SimulatorOptions{true, 12.0, -30.0}));
-    CliResult r = run({"--json", "scope", "--drive", "LX200", "--port", mount.devicePath(), "track", "--count", "2"});
+    CliRun r = run({"--json", "scope", "--drive", "LX200", "--port", mount.devicePath(), "track", "--count", "2"});
     ASSERT_EQ(r.exit, 0) << r.titles();
     std::istringstream lines(r.out);
     std::string line;
@@ -267,13 +224,13 @@ TEST_F(ScopeCommand, OverridesAreNeverSaved) {
     PtyMount mount(makeMountSimulator(13));
     run({"scope", "read"});  // a first run creates whatever start-up creates
     const auto before = filesUnder(home_);
-    CliResult r = run({"scope", "--drive", "ServoCat", "--port", mount.devicePath(), "read"});
+    CliRun r = run({"scope", "--drive", "ServoCat", "--port", mount.devicePath(), "read"});
     EXPECT_EQ(r.exit, 0) << r.titles();
     EXPECT_EQ(filesUnder(home_), before);
 }
 
 TEST_F(ScopeCommand, SimulatePrintsItsDevice) {
-    CliResult r = run({"--json", "scope", "--drive", "LX200", "simulate", "--seconds", "0.2"});
+    CliRun r = run({"--json", "scope", "--drive", "LX200", "simulate", "--seconds", "0.2"});
     ASSERT_EQ(r.exit, 0) << r.titles();
     auto j = nlohmann::json::parse(r.out);
     EXPECT_EQ(j.at("device").get<std::string>().rfind("/dev/pts/", 0), 0u);

@@ -91,7 +91,7 @@ bool buildStarFiles(const StarSources& sources, const ConstellationFinder& finde
         if (n.name.empty() || hr == hrByHip.end() || hr->second > 65535) continue;
         BrightStarRecord r{};
         copyText(r.name, n.name);
-        r.hipHigh = static_cast<uint16_t>(hip / 65536);
+        r.constellation = static_cast<int16_t>(constellationIndex(n.constellation));
         r.key = static_cast<uint16_t>(hr->second);
         named.push_back(r);
         namedInBrightStarFile.insert(hip);
