@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -122,7 +123,8 @@ inline ObjectRecord objectRecord(int catalog, int32_t number, int type = 16, flo
     o.caldwell = caldwell;
     o.description = -1;
     o.positionAngle = -1;
-    std::strncpy(o.name, name, sizeof o.name);
+    // May fill all 13 bytes without a terminator: the reader must end the text at byte 40.
+    std::memcpy(o.name, name, std::min(std::strlen(name), sizeof o.name));
     return o;
 }
 

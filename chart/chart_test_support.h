@@ -105,7 +105,7 @@ inline DefaultStarRecord makeDefaultStar(int hip, double raHours, double decDeg,
     r.mag = static_cast<float>(mag);
     r.colour = static_cast<int8_t>(colour);
     r.flags = 1;
-    std::strncpy(r.name, name, sizeof r.name - 1);
+    std::snprintf(r.name, sizeof r.name, "%s", name);
     return r;
 }
 

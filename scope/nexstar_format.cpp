@@ -100,11 +100,17 @@ double nexstarDecAngleForGoto(double decDeg) {
 }
 
 std::string nexstarGotoCommand(double raDeg, double decAngleDeg) {
-    return "R" + nexstarHex16(raDeg) + "," + nexstarHex16(decAngleDeg);
+    char text[16];
+    std::snprintf(text, sizeof text, "R%04X,%04X", static_cast<unsigned>(nexstarEncode16(raDeg)),
+                  static_cast<unsigned>(nexstarEncode16(decAngleDeg)));
+    return text;
 }
 
 std::string nexstarPreciseGotoCommand(double raDeg, double decAngleDeg) {
-    return "r" + nexstarHex24(raDeg) + "00," + nexstarHex24(decAngleDeg) + "00";
+    char text[24];
+    std::snprintf(text, sizeof text, "r%06X00,%06X00", static_cast<unsigned>(nexstarEncode24(raDeg)),
+                  static_cast<unsigned>(nexstarEncode24(decAngleDeg)));
+    return text;
 }
 
 std::string nexstarRawGotoCommand(double raDeg, double decAngleDeg) {

@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(build-essential cmake pkg-config git
           libgtest-dev libgmock-dev libbenchmark-dev liberfa-dev
-          libcairo2-dev fonts-dejavu-core
+          libcairo2-dev libfontconfig-dev zlib1g-dev fonts-dejavu-core
           libcli11-dev libcpp-httplib-dev nlohmann-json3-dev
           nodejs npm)
 

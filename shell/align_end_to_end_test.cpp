@@ -19,6 +19,7 @@
 #include "core/time.h"
 #include "scope/encoder_box.h"
 #include "scope/encoder_box_simulator.h"
+#include "scope/mount_mapping.h"
 #include "scope/pty_mount.h"
 #include "scope/serial_link.h"
 #include "settings/message.h"
@@ -176,6 +177,9 @@ TEST(AlignEndToEnd, EncoderMountOffLevelReadsAThirdStarAfterTwoStarAlignment) {
     EXPECT_FALSE(yes.questions().empty());
 
     ::unsetenv("NOCTURNEL_SERIAL_SETTLE_MS");
+    clearAlignmentState();
+    clearMountMapping();
+    closeCatalogues();
     setHoldOpen(0);
     serialClose();
     fs::remove_all(home);
