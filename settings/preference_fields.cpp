@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <optional>
 #include <type_traits>
 #include <vector>
@@ -21,8 +22,38 @@ namespace {
 using P = Preferences;
 constexpr double kMaxI32 = 2147483647.0;
 
+// One element of an array field of the record (page 5/6 boxes, Telrad ring sizes).
+struct Int32Element {
+    int32_t* (*array)(P&);
+    int index;
+};
+struct FloatElement {
+    float* (*array)(P&);
+    int index;
+};
+
 // Where a field lives in the record.
-using Member = std::variant<std::monostate, int32_t P::*, int16_t P::*, float P::*, double P::*>;
+using Member = std::variant<std::monostate, int32_t P::*, int16_t P::*, float P::*, double P::*, Int32Element,
+                            FloatElement>;
+
+// Names of the array elements, "displayBox[0]" ..., kept for the whole run (fields refer to them).
+std::string_view elementName(const char* array, int index) {
+    static std::vector<std::unique_ptr<std::string>> names;
+    names.push_back(std::make_unique<std::string>(std::string(array) + "[" + std::to_string(index) + "]"));
+    return *names.back();
+}
+
+// The page 5/6 boxes in the order of Preferences::displayBox and scrollBox.
+constexpr std::array<std::string_view, kDisplayBoxCount> kDisplayBoxLabels = {
+    "Const. Names", "FOV: Eyepiece", "Const. Lines", "FOV: CCD", "Obj. Names", "Alt/Az Grid", "Obj. Drilldown",
+    "Hide Grid", "Stars Legend", "Hide ToolBar", "Stars Symbols", "Hide InfoBar", "Ecliptic", "Hide Compass", "Telrad"};
+constexpr std::array<std::string_view, kScrollBoxCount> kScrollBoxLabels = {"More Stars", "More Objects", "Show Grid",
+                                                                             "Stars as Pixel"};
+constexpr std::array<std::string_view, 3> kTelradLabels = {"Telrad 1:", "Telrad 2:", "Telrad 3:"};
+
+// Reads an element's value as a number, and writes one.
+double elementValue(P& p, const Int32Element& e) { return e.array(p)[e.index]; }
+double elementValue(P& p, const FloatElement& e) { return e.array(p)[e.index]; }
 
 struct FieldEntry {
     PreferenceField info;
@@ -42,7 +73,8 @@ FieldEntry realField(std::string_view name, Member m, double low, double high, s
 }
 
 const std::vector<FieldEntry>& entries() {
-    static const std::vector<FieldEntry> table = {
+    static const std::vector<FieldEntry> table = [] {
+    std::vector<FieldEntry> t = {
         {{"siteName", FieldType::Text, 0, 0, false, 11, false, "name of the current site"}, {}},
         realField("latitudeDeg", &P::latitudeDeg, -90, 90, "site latitude, degrees north"),
         realField("longitudeDeg", &P::longitudeDeg, -180, 180, "site longitude, degrees WEST positive"),
@@ -102,6 +134,17 @@ const std::vector<FieldEntry>& entries() {
         {{"scopeDevice", FieldType::Text, 0, 0, false, 63, false, "device path offered after the port list"}, {}},
         intField("catalogEpochYear", &P::catalogEpochYear, 1950, 1950, "equinox year kept by the record", true),
     };
+        for (int i = 0; i < kDisplayBoxCount; ++i)
+            t.push_back(intField(elementName("displayBox", i), Int32Element{[](P& p) { return p.displayBox; }, i}, 0, 1,
+                                 kDisplayBoxLabels[i]));
+        for (int i = 0; i < kScrollBoxCount; ++i)
+            t.push_back(intField(elementName("scrollBox", i), Int32Element{[](P& p) { return p.scrollBox; }, i}, 0, 1,
+                                 kScrollBoxLabels[i]));
+        for (int i = 0; i < 3; ++i)
+            t.push_back(realField(elementName("telradRingDeg", i),
+                                  FloatElement{[](P& p) { return p.telradRingDeg; }, i}, 0, 20, kTelradLabels[i]));
+        return t;
+    }();
     return table;
 }
 
@@ -159,7 +202,10 @@ double preferenceNumber(const Preferences& p, const PreferenceField& field) {
     if (!e) return 0;
     return std::visit(
         [&p](auto m) -> double {
-            if constexpr (std::is_same_v<decltype(m), std::monostate>) return 0;
+            using M = decltype(m);
+            if constexpr (std::is_same_v<M, std::monostate>) return 0;
+            else if constexpr (std::is_same_v<M, Int32Element> || std::is_same_v<M, FloatElement>)
+                return elementValue(const_cast<P&>(p), m);
             else return static_cast<double>(p.*m);
         },
         e->member);
@@ -241,7 +287,10 @@ bool setPreferenceField(Preferences& p, std::string_view name, std::string_view 
     }
     std::visit(
         [&p, number](auto m) {
-            if constexpr (!std::is_same_v<decltype(m), std::monostate>)
+            using M = decltype(m);
+            if constexpr (std::is_same_v<M, Int32Element>) m.array(p)[m.index] = static_cast<int32_t>(number);
+            else if constexpr (std::is_same_v<M, FloatElement>) m.array(p)[m.index] = static_cast<float>(number);
+            else if constexpr (!std::is_same_v<M, std::monostate>)
                 p.*m = static_cast<std::remove_reference_t<decltype(p.*m)>>(number);
         },
         e->member);

@@ -112,7 +112,7 @@ struct Preferences {
     int32_t zoomViewMode[kZoomTableSlots] = {};
 
     // ---- Page 5/6 ----
-    int32_t displayBox[kDisplayBoxCount] = {};  // "Const. Names", "FOV: Eyepiece", "Const. Lines", "FOV: CCD", "Obj. Names",
+    int32_t displayBox[kDisplayBoxCount] = {1, 0, 1, 0, 1, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0};  // names, lines, object names, ecliptic on  // "Const. Names", "FOV: Eyepiece", "Const. Lines", "FOV: CCD", "Obj. Names",
                                                 // "Alt/Az Grid", "Obj. Drilldown", "Hide Grid", "Stars Legend", "Hide ToolBar",
                                                 // "Stars Symbols", "Hide InfoBar", "Ecliptic", "Hide Compass", "Telrad"
     float telradRingDeg[3] = {0.5f, 2.0f, 4.0f};

@@ -14,6 +14,7 @@
 #include "chart/sky_frame.h"
 #include "core/angle_text.h"
 #include "settings/preferences.h"
+#include "settings/message.h"
 #include "shell/app.h"
 #include "shell/commands.h"
 
@@ -93,7 +94,7 @@ void runChart(const ChartOptions& o) {
         return;
     }
     if (o.output.empty()) {
-        std::cerr << "chart wants -o FILE.png (or --at X,Y)\n";
+        showMessage("The chart needs an output file", "Give -o FILE.png, or --at X,Y for a sky position.");
         setExitCode(1);
         return;
     }
