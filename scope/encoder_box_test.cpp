@@ -1,5 +1,6 @@
 // Encoder boxes against simulated boxes on a pseudo-terminal: the set-up bytes of each kind,
 // the reads and their conversion to angles, and the faults.
+#include "scope/serial_test_fixture.h"
 #include "scope/encoder_box.h"
 
 #include <chrono>
@@ -17,21 +18,19 @@
 namespace nocturnel {
 namespace {
 
-class EncoderBoxLink : public ::testing::Test {
+class EncoderBoxLink : public SerialTestFixture {
 protected:
     void SetUp() override {
-        prefs() = Preferences{};
+        SerialTestFixture::SetUp();
         prefs().encoderAzSteps = 8000;
         prefs().encoderAltSteps = 8000;
-        setSerialSettleMillisecondsForTests(0);
         encoderResetState();
         sim_ = std::make_shared<EncoderBoxSimulation>();
     }
     void TearDown() override {
-        if (isTraceOn()) toggleTrace();
-        setHoldOpen(0);
         encoderDisconnect();
         encoderResetState();
+        SerialTestFixture::TearDown();
     }
     void startBox(int driveCode) {
         mount_ = std::make_unique<PtyMount>(makeEncoderResponder(driveCode, sim_));
@@ -45,7 +44,6 @@ protected:
 
     std::shared_ptr<EncoderBoxSimulation> sim_;
     std::unique_ptr<PtyMount> mount_;
-    MessageCapture messages_;
 };
 
 TEST_F(EncoderBoxLink, EachBoxGetsItsSetupOnce) {

@@ -1,6 +1,7 @@
 // The LX200 module against a simulated mount on a pseudo-terminal: exact bytes on the wire,
 // the mount's documented answers, and the faults of a real line (silence, short and garbled
 // replies, a device that vanishes).
+#include "scope/serial_test_fixture.h"
 #include "scope/lx200.h"
 
 #include "scope/lx200_format.h"
@@ -30,22 +31,11 @@ double hms(double h, double m, double s) { return h + m / 60 + s / 3600; }
 constexpr int kLx200 = 5;
 constexpr int kLosmandy = 17;
 
-class Lx200Test : public ::testing::Test {
+class Lx200Test : public SerialTestFixture {
 protected:
     void SetUp() override {
-        folder_ = std::filesystem::temp_directory_path() / ("nocturnel_lx200_" + std::to_string(::getpid()));
-        std::filesystem::create_directories(folder_);
-        setProgramFolder(folder_);
-        prefs() = Preferences{};
-        setSerialSettleMillisecondsForTests(0);
+        SerialTestFixture::SetUp();
         lx200ResetState();
-    }
-    void TearDown() override {
-        if (isTraceOn()) toggleTrace();
-        setHoldOpen(0);
-        serialClose();
-        std::error_code ec;
-        std::filesystem::remove_all(folder_, ec);
     }
     // A mount with the given state on a fresh pty, selected as the telescope port.
     void startMount(Lx200MountState initial) {
@@ -65,10 +55,8 @@ protected:
         mount_->clearReceived();
     }
 
-    std::filesystem::path folder_;
     std::shared_ptr<Lx200MountModel> model_;
     std::unique_ptr<PtyMount> mount_;
-    MessageCapture messages_;
 };
 
 TEST_F(Lx200Test, TenByteDeclinationSwitchesToHighPrecisionForGood) {

@@ -1,6 +1,7 @@
 // The NexStar module against a simulated hand control on a pseudo-terminal: exact bytes on the
 // wire (Celestron's transcripts "Kx" -> "x#", "E" -> "34AB,12CE#", "R34AB,12CE" -> "#",
 // "M" -> "#", pass-through "P" packets -> "#"), the offsets, and line faults.
+#include "scope/serial_test_fixture.h"
 #include "scope/nexstar.h"
 
 #include "scope/nexstar_format.h"
@@ -30,22 +31,11 @@ std::string hex16(uint32_t v) { return nexstarHex16(degreesOf16(v)); }
 
 std::string packetText(const NexStarPacket& p) { return std::string(p.begin(), p.end()); }
 
-class NexStarTest : public ::testing::Test {
+class NexStarTest : public SerialTestFixture {
 protected:
     void SetUp() override {
-        folder_ = std::filesystem::temp_directory_path() / ("nocturnel_nexstar_" + std::to_string(::getpid()));
-        std::filesystem::create_directories(folder_);
-        setProgramFolder(folder_);
-        prefs() = Preferences{};
-        setSerialSettleMillisecondsForTests(0);
+        SerialTestFixture::SetUp();
         nexstarSetRate(kNexStarGps, 0);
-    }
-    void TearDown() override {
-        if (isTraceOn()) toggleTrace();
-        setHoldOpen(0);
-        serialClose();
-        std::error_code ec;
-        std::filesystem::remove_all(folder_, ec);
     }
     void startMount(NexStarMountState initial = {}) {
         model_ = std::make_shared<NexStarMountModel>(std::move(initial));
@@ -67,10 +57,8 @@ protected:
         return t;
     }
 
-    std::filesystem::path folder_;
     std::shared_ptr<NexStarMountModel> model_;
     std::unique_ptr<PtyMount> mount_;
-    MessageCapture messages_;
 };
 
 TEST_F(NexStarTest, ConnectEchoPerModel) {

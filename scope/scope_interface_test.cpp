@@ -1,3 +1,4 @@
+#include "scope/serial_test_fixture.h"
 #include "scope/scope_interface.h"
 
 #include <erfa.h>
@@ -57,15 +58,11 @@ PtyMount::Responder connectOnlyResponder(int code) {
     };
 }
 
-class ScopeDispatch : public ::testing::Test {
+class ScopeDispatch : public SerialTestFixture {
 protected:
     void SetUp() override {
-        folder_ = std::filesystem::temp_directory_path() / ("nocturnel_dispatch_" + std::to_string(::getpid()));
-        std::filesystem::create_directories(folder_);
-        setProgramFolder(folder_);
-        prefs() = Preferences{};
+        SerialTestFixture::SetUp();
         prefs().utcOffsetMin = 60;
-        setSerialSettleMillisecondsForTests(0);
         setTakahashiPollPauseMillisecondsForTests(0);
         setScopeClock([] { return kMoment; });
         clearMountMapping();
@@ -74,13 +71,9 @@ protected:
         lx200ResetState();
     }
     void TearDown() override {
-        if (isTraceOn()) toggleTrace();
-        setHoldOpen(0);
-        serialClose();
         setScopeClock({});
         clearMountMapping();
-        std::error_code ec;
-        std::filesystem::remove_all(folder_, ec);
+        SerialTestFixture::TearDown();
     }
     // Drive `code` on a pty simulator of its family.
     std::unique_ptr<PtyMount> simulated(int code, const SimulatorOptions& options = {}) {
@@ -90,8 +83,6 @@ protected:
         EXPECT_GT(selectAsScopePort(*mount), 0);
         return mount;
     }
-    std::filesystem::path folder_;
-    MessageCapture messages_;
     QuestionAnswerer answers_{true};  // the Takahashi zenith question: East side
 };
 

@@ -1,3 +1,4 @@
+#include "scope/serial_test_fixture.h"
 #include "scope/serial_link.h"
 
 #include "scope/pty_mount.h"
@@ -48,25 +49,7 @@ termios lineSettingsOf(const std::string& path) {
     return tio;
 }
 
-class SerialLinkTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        folder_ = std::filesystem::temp_directory_path() / ("nocturnel_serial_" + std::to_string(::getpid()));
-        std::filesystem::create_directories(folder_);
-        setProgramFolder(folder_);
-        prefs() = Preferences{};
-        setSerialSettleMillisecondsForTests(0);
-    }
-    void TearDown() override {
-        if (isTraceOn()) toggleTrace();
-        setHoldOpen(0);
-        serialClose();
-        std::error_code ec;
-        std::filesystem::remove_all(folder_, ec);
-    }
-    std::filesystem::path folder_;
-    MessageCapture messages_;
-};
+class SerialLinkTest : public SerialTestFixture {};
 
 TEST_F(SerialLinkTest, WritesReachTheDeviceAndRepliesComeBack) {
     PtyMount mount(upperEcho);

@@ -1,3 +1,4 @@
+#include "scope/serial_test_fixture.h"
 #include "scope/servocat.h"
 
 #include <chrono>
@@ -60,25 +61,7 @@ TEST(ServoCatWire, PositionReplyIsSplitAtBytesSixAndFourteen) {
     }
 }
 
-class ServoCatLink : public ::testing::Test {
-protected:
-    void SetUp() override {
-        folder_ = std::filesystem::temp_directory_path() / ("nocturnel_servocat_" + std::to_string(::getpid()));
-        std::filesystem::create_directories(folder_);
-        setProgramFolder(folder_);
-        prefs() = Preferences{};
-        setSerialSettleMillisecondsForTests(0);
-    }
-    void TearDown() override {
-        if (isTraceOn()) toggleTrace();
-        setHoldOpen(0);
-        serialClose();
-        std::error_code ec;
-        std::filesystem::remove_all(folder_, ec);
-    }
-    std::filesystem::path folder_;
-    MessageCapture messages_;
-};
+class ServoCatLink : public SerialTestFixture {};
 
 TEST_F(ServoCatLink, ReadsThePositionOfTheSimulator) {
     PtyMount mount(makeServoCatResponder(6.75, -12.5));

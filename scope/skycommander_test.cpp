@@ -1,4 +1,5 @@
 // The SkyCommander module against a simulated device on a pseudo-terminal.
+#include "scope/serial_test_fixture.h"
 #include "scope/skycommander.h"
 
 #include <chrono>
@@ -16,19 +17,13 @@
 namespace nocturnel {
 namespace {
 
-class SkyCommanderLink : public ::testing::Test {
+class SkyCommanderLink : public SerialTestFixture {
 protected:
     void SetUp() override {
-        prefs() = Preferences{};
-        setSerialSettleMillisecondsForTests(0);
+        SerialTestFixture::SetUp();
         sim_ = std::make_shared<SkyCommanderSimulation>();
         mount_ = std::make_unique<PtyMount>(makeSkyCommanderResponder(sim_));
         ASSERT_GT(selectAsScopePort(*mount_), 0);
-    }
-    void TearDown() override {
-        if (isTraceOn()) toggleTrace();
-        setHoldOpen(0);
-        serialClose();
     }
     template <class F>
     void withSim(F change) {
@@ -38,7 +33,6 @@ protected:
 
     std::shared_ptr<SkyCommanderSimulation> sim_;
     std::unique_ptr<PtyMount> mount_;
-    MessageCapture messages_;
 };
 
 TEST_F(SkyCommanderLink, ConnectSendsNothing) {

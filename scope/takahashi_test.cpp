@@ -1,5 +1,6 @@
 // The Takahashi module against a simulated mount on a pseudo-terminal: exact bytes sent,
 // answers understood, and every fault ending in a message and a 0.
+#include "scope/serial_test_fixture.h"
 #include "scope/takahashi.h"
 
 #include <chrono>
@@ -26,10 +27,10 @@ constexpr const char* kZenithQuestion =
     "Please, point your telescope to zenith and press Yes if it is placed at the East side, else press No.";
 constexpr double kTokyoLatitudeDeg = 35 + 40 / 60.0 + 30 / 3600.0;
 
-class TakahashiLink : public ::testing::Test {
+class TakahashiLink : public SerialTestFixture {
 protected:
     void SetUp() override {
-        prefs() = Preferences{};
+        SerialTestFixture::SetUp();
         prefs().latitudeDeg = static_cast<float>(kTokyoLatitudeDeg);
         setSerialSettleMillisecondsForTests(0);
         setTakahashiPollPauseMillisecondsForTests(0);
@@ -41,9 +42,7 @@ protected:
         ASSERT_GT(selectAsScopePort(*mount_), 0);
     }
     void TearDown() override {
-        if (isTraceOn()) toggleTrace();
-        setHoldOpen(0);
-        serialClose();
+        SerialTestFixture::TearDown();
         takahashiResetState();
         setTakahashiPollPauseMillisecondsForTests(250);
         setScopeClock({});
@@ -65,7 +64,6 @@ protected:
 
     std::shared_ptr<TakahashiSimulation> sim_;
     std::unique_ptr<PtyMount> mount_;
-    MessageCapture messages_;
 };
 
 TEST_F(TakahashiLink, FirstConnectionSendsSiteAndPierSideThenNeverAgain) {
