@@ -79,6 +79,20 @@ char* hoursToTextStyle(double hours, int style, char* buf) {
     return buf;
 }
 
+// The degree formatters' carries: seconds into minutes, minutes into degrees, then the
+// degrees wrap at 360.
+static void carryDegrees(int64_t& d, int64_t& m, int64_t& s) {
+    if (s >= 60) {
+        m += s / 60;
+        s %= 60;
+    }
+    if (m >= 60) {
+        d += m / 60;
+        m %= 60;
+    }
+    if (d >= 360) d %= 360;
+}
+
 char* degreesToTextStyle(double degrees, int style, char* buf) {
     if (!std::isfinite(degrees)) return writeNoValue(buf);
     const bool negative = degrees < 0;
@@ -91,15 +105,7 @@ char* degreesToTextStyle(double degrees, int style, char* buf) {
     int64_t m = static_cast<int64_t>(std::trunc(std::fmod(60.0 * x, 60.0)));
     int64_t s = static_cast<int64_t>(std::trunc(std::fmod(3600.0 * x + 0.5, 60.0)));
     if (style == 3) s += 5;
-    if (s >= 60) {
-        m += s / 60;
-        s %= 60;
-    }
-    if (m >= 60) {
-        d += m / 60;
-        m %= 60;
-    }
-    if (d >= 360) d %= 360;
+    carryDegrees(d, m, s);
     const char* sign = negative ? "-" : "";
     const int di = static_cast<int>(d), mi = static_cast<int>(m), si = static_cast<int>(s);
     switch (style) {
@@ -141,15 +147,7 @@ char* fixedDegreesToTextStyle(FixedAngle value, int style, char* buf) {
     int64_t m = (60 * r) / unit;
     int64_t s = ((60 * r - unit * m) * 60) / unit;
     if (style == 3) s += 5;
-    if (s >= 60) {
-        m += s / 60;
-        s %= 60;
-    }
-    if (m >= 60) {
-        d += m / 60;
-        m %= 60;
-    }
-    if (d >= 360) d %= 360;
+    carryDegrees(d, m, s);
     const char* sign = negative ? "-" : "";
     const int di = static_cast<int>(d), mi = static_cast<int>(m), si = static_cast<int>(s);
     switch (style) {

@@ -4,6 +4,7 @@
 // arriving at once), syncs on ":CM#", keeps the rate and direction keys (":RS#".. ":Mn#"..
 // ":Q#"), toggles precision on ":U#". Replies follow Meade's formats: high precision
 // "HH:MM:SS#" and "sDD\xDFMM:SS#", low precision "HH:MM.T#" and "sDD\xDFMM#".
+#include "scope/guarded_state.h"
 #include "scope/pty_mount.h"
 
 #include <memory>
@@ -31,25 +32,14 @@ struct Lx200MountState {
     std::vector<std::string> commands;  // every command understood, without ':' and '#'
 };
 
-class Lx200MountModel {
+class Lx200MountModel : public GuardedState<Lx200MountState> {
 public:
-    explicit Lx200MountModel(Lx200MountState initial = {}) : state_(std::move(initial)) {}
-    Lx200MountState state() const {
-        std::lock_guard lock(mutex_);
-        return state_;
-    }
-    template <class Change>
-    void update(Change change) {
-        std::lock_guard lock(mutex_);
-        change(state_);
-    }
+    explicit Lx200MountModel(Lx200MountState initial = {}) : GuardedState(std::move(initial)) {}
     // Consumes every complete command of `pending` and returns the replies.
     std::string respond(std::string& pending);
 
 private:
     std::string answer(const std::string& command);
-    mutable std::mutex mutex_;
-    Lx200MountState state_;
 };
 
 PtyMount::Responder makeLx200Responder(std::shared_ptr<Lx200MountModel> model);

@@ -5,6 +5,7 @@
 // bytes: arrives at once, answers "#" except in raw mode), cancel goto ("M" -> "#") and the
 // 8-byte pass-through motion packets ("P" ... -> "#"). Carriage returns are passed over.
 #include "scope/nexstar_format.h"
+#include "scope/guarded_state.h"
 #include "scope/pty_mount.h"
 
 #include <memory>
@@ -26,23 +27,12 @@ struct NexStarMountState {
     std::vector<NexStarPacket> packets; // motion packets received
 };
 
-class NexStarMountModel {
+class NexStarMountModel : public GuardedState<NexStarMountState> {
 public:
-    explicit NexStarMountModel(NexStarMountState initial = {}) : state_(std::move(initial)) {}
-    NexStarMountState state() const {
-        std::lock_guard lock(mutex_);
-        return state_;
-    }
-    template <class Change>
-    void update(Change change) {
-        std::lock_guard lock(mutex_);
-        change(state_);
-    }
+    explicit NexStarMountModel(NexStarMountState initial = {}) : GuardedState(std::move(initial)) {}
     std::string respond(std::string& pending);
 
 private:
-    mutable std::mutex mutex_;
-    NexStarMountState state_;
 };
 
 PtyMount::Responder makeNexStarResponder(std::shared_ptr<NexStarMountModel> model);
