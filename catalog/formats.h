@@ -146,4 +146,14 @@ struct ConstellationBoundaryPoint {
 };
 static_assert(sizeof(ConstellationBoundaryPoint) == 8);
 
+// ---- Eyepieces: nocturnel_eyepiece.ppc, one record per eyepiece; the preferences' eyepiece
+// index is the record number. Readers copy the first 32 bytes of each record, so a file may
+// carry longer records; shorter ones are refused. ----
+struct EyepieceRecord {
+    char name[24];            // shown in the preferences' "Eyepiece" list (Latin-1, "Pl\xF6ssl 25mm"), NUL-terminated
+    float focalLengthMm;      // focal length of the eyepiece, millimetres
+    float apparentFieldDeg;   // apparent field of view (full angle across the field stop), degrees
+};
+static_assert(sizeof(EyepieceRecord) == 32);
+
 }  // namespace nocturnel

@@ -364,6 +364,61 @@ void drawTelradRings(const LayerContext& ctx, const float (&ringsDeg)[3]) {
     }
 }
 
+namespace {
+
+// Points of the circle of angular radius `radiusRad` around the chart's centre, sampled as the
+// Telrad rings are: from the centre's unit vector (north, east, up) and two unit vectors across
+// it, each point projected as a horizontal position, so the circle keeps its angular size at
+// every zoom level and stays well defined at the zenith.
+std::vector<MaybePoint> centredSkyCircle(const ChartView& view, double radiusRad) {
+    const double altC = view.centreAltDeg * kDegToRad, azC = view.centreAzDeg * kDegToRad;
+    const double centre[3] = {std::cos(altC) * std::cos(azC), std::cos(altC) * std::sin(azC), std::sin(altC)};
+    const double up[3] = {-std::sin(altC) * std::cos(azC), -std::sin(altC) * std::sin(azC), std::cos(altC)};
+    const double across[3] = {-std::sin(azC), std::cos(azC), 0};
+    std::vector<MaybePoint> points;
+    for (int i = 0; i <= 144; ++i) {
+        const double bearing = 2 * M_PI * i / 144;
+        double p[3];
+        for (int k = 0; k < 3; ++k)
+            p[k] = centre[k] * std::cos(radiusRad) +
+                   (up[k] * std::cos(bearing) + across[k] * std::sin(bearing)) * std::sin(radiusRad);
+        const double alt = std::asin(std::clamp(p[2], -1.0, 1.0));
+        const double az = std::atan2(p[1], p[0]);
+        points.push_back(horizontalPoint(view, az / kDegToRad, alt / kDegToRad));
+    }
+    return points;
+}
+
+}  // namespace
+
+void drawEyepieceField(const LayerContext& ctx, double trueFieldDeg, const std::string& label) {
+    if (!(trueFieldDeg > 0) || trueFieldDeg > 180) return;
+    const std::vector<MaybePoint> points = centredSkyCircle(ctx.view, trueFieldDeg / 2 * kDegToRad);
+    cairo_set_line_width(ctx.cr, 1.2);
+    setColour(ctx.cr, ctx.palette.telrad);
+    strokeCurve(ctx, points);
+    if (label.empty()) return;
+
+    // The label sits centred above the circle's top, kept on the chart clear of the corner
+    // label and the status line when the circle is larger than the chart.
+    const MaybePoint* top = nullptr;
+    for (const MaybePoint& p : points)
+        if (p && (top == nullptr || p->y < (*top)->y)) top = &p;
+    const std::string utf8 = toUtf8(label);
+    cairo_text_extents_t extents;
+    cairo_text_extents(ctx.cr, utf8.c_str(), &extents);
+    const double width = extents.x_advance;
+    const double anchorX = top != nullptr ? (*top)->x : ctx.view.width / 2.0;
+    const double anchorY = top != nullptr ? (*top)->y : 0.0;
+    const double left = std::clamp(anchorX - width / 2, 2.0, std::max(2.0, ctx.view.width - width - 2));
+    const double baseline =
+        std::clamp(anchorY - 4, ctx.fontSize * 3.6, std::max(ctx.fontSize * 3.6, ctx.view.height - ctx.fontSize * 2.0));
+    setColour(ctx.cr, ctx.palette.telrad);
+    cairo_move_to(ctx.cr, left, baseline);
+    cairo_show_text(ctx.cr, utf8.c_str());
+    ctx.labels.claim(left, baseline - ctx.fontSize, width, ctx.fontSize * 1.2);
+}
+
 void applyNightMode(cairo_surface_t* surface, bool whiteScheme) {
     cairo_surface_flush(surface);
     unsigned char* data = cairo_image_surface_get_data(surface);

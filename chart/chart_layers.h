@@ -55,6 +55,9 @@ void drawDeepSkyObjects(const LayerContext& ctx, float magnitudeLimit, bool name
 void drawHorizonAndCompass(const LayerContext& ctx, bool compass);
 // Rings of the given diameters (degrees) around the chart's centre.
 void drawTelradRings(const LayerContext& ctx, const float (&ringsDeg)[3]);
+// The eyepiece's true field (diameter, degrees) as a circle around the chart's centre, in the
+// Telrad colour, with `label` (Latin-1) above it. A field outside (0, 180] draws nothing.
+void drawEyepieceField(const LayerContext& ctx, double trueFieldDeg, const std::string& label);
 // Screen point of a J2000 place (false below the horizon or outside the chart's clip).
 bool skyToScreen(const ChartView& view, const SkyFrame& frame, double raHours, double decDeg, ScreenPoint& point);
 // Reddens the finished chart: luminance to red on black (inverted on the white scheme).

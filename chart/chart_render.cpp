@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "catalog/catalogues.h"
+#include "catalog/eyepieces.h"
 #include "chart/chart_labels.h"
 #include "chart/chart_layers.h"
 #include "chart/png_writer.h"
@@ -122,6 +123,10 @@ ChartSurface renderChart(const ChartRequest& request, ChartResult& result) {
     if (box(kBoxConstNames)) drawConstellationNames(ctx);
     drawHorizonAndCompass(ctx, !box(kBoxHideCompass));
     if (box(kBoxTelrad)) drawTelradRings(ctx, p.telradRingDeg);
+    if (box(kBoxEyepiece)) {
+        EyepieceField eyepiece;
+        if (chosenEyepieceField(eyepiece)) drawEyepieceField(ctx, eyepiece.trueFieldDeg, eyepiece.label);
+    }
 
     cairo_set_source_rgb(cr, palette.text.r, palette.text.g, palette.text.b);
     paintFieldLabel(cr, 2, 2, view.zoomLevel);

@@ -43,10 +43,7 @@ int skyCommanderReadPosition(double& first, double& second) {
         return 0;
     }
     const auto position = parseSkyCommanderPosition(receive("Receive :", kSkyCommanderReplyBytes));
-    if (!position) {
-        showMessage("Failed to get SkyCommander RA and Dec.");
-        return 0;
-    }
+    if (!position) return 0;  // the dispatch says "Failed to get SkyCommander RA and Dec."
     first = position->first;
     second = position->second;
     return 1;

@@ -113,7 +113,7 @@ TEST_F(SkyCommanderLink, ReadFaultsGiveMessageAndZero) {
         const auto start = std::chrono::steady_clock::now();
         EXPECT_EQ(skyCommanderReadPosition(first, second), 0);
         EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));  // a bound, not a speed target
-        EXPECT_EQ(messages_.lastTitle(), "Failed to get SkyCommander RA and Dec.");
+        EXPECT_TRUE(messages_.messages().empty()) << messages_.lastTitle();  // the dispatch reports the failure once
         EXPECT_EQ(first, -1);
     }
 }

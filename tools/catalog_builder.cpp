@@ -11,6 +11,7 @@
 #include "settings/message.h"
 #include "tools/build_checks.h"
 #include "tools/constellation_lookup.h"
+#include "tools/eyepiece_file.h"
 #include "tools/object_files.h"
 #include "tools/record_io.h"
 #include "tools/sources.h"
@@ -217,7 +218,10 @@ std::string sourcesText(const SourcePaths& paths, const StellariumCatalogue& dso
         "Stellarium deep-sky catalogue " + dso.version + " (" + dso.edition + "), Debian package stellarium-data\n"
         "(usr/share/stellarium/nebulae/default/catalog.dat and names.dat), GPL-2+.\n"
         "  -> nocturnel_obj_18k.ppc, nocturnel_obj_18k_idx.ppc, nocturnel_obj_18k_desc.ppc,\n"
-        "     nocturnel_obj_1k.ppc, nocturnel_obj_1k_idx.ppc.\n";
+        "     nocturnel_obj_1k.ppc, nocturnel_obj_1k_idx.ppc.\n\n"
+        "Eyepieces: generic eyepiece designs, no external source (Plossl 52 degrees, the 40 mm 43;\n"
+        "wide fields of 68 and 82 degrees; common focal lengths).\n"
+        "  -> nocturnel_eyepiece.ppc.\n";
     if (tycho)
         text += "\nTycho-2 main catalogue (Hog et al. 2000, CDS I/259, tyc2.dat), supplied by the user.\n"
                 "  -> nocturnel_tycho_390k.ppc, nocturnel_tycho_2500k.ppc, nocturnel_tycho_idx.ppc.\n";
@@ -240,6 +244,7 @@ bool checkAll(const fs::path& out, bool tycho) {
            check(checkDescriptions(out / "nocturnel_obj_18k_desc.ppc", out / "nocturnel_obj_18k.ppc", error), error) &&
            check(checkObjectFiles(out / "nocturnel_obj_1k.ppc", out / "nocturnel_obj_1k_idx.ppc", false, error), error) &&
            check(checkConstellations(out, error), error) &&
+           check(checkEyepieceFile(out / "nocturnel_eyepiece.ppc", error), error) &&
            (!tycho || (check(checkStarBlockFile(out / "nocturnel_tycho_390k.ppc", {0, 0, 0}, error), error) &&
                        check(checkStarBlockFile(out / "nocturnel_tycho_2500k.ppc", {0, 0, 0}, error), error) &&
                        check(checkTychoIndex(out / "nocturnel_tycho_idx.ppc", out / "nocturnel_tycho_2500k.ppc", error), error)));
@@ -339,6 +344,7 @@ int buildCatalogues(const BuildOptions& options, BuildReport* reportOut) {
         writer.write("nocturnel_obj_1k.ppc", kObjectFileVersion, objectFiles.smallObjects) &&
         writer.write("nocturnel_obj_1k_idx.ppc", 1, objectFiles.smallIndex) &&
         writeConstellations(writer, stars.constellations) &&
+        writer.write("nocturnel_eyepiece.ppc", 1, eyepieceRecords()) &&
         (options.tycho2File.empty() || writeTycho(writer, options.tycho2File));
     if (!written) return 1;
     if (!writeWholeFile(stage / "SOURCES", sourcesText(paths, dso, !options.tycho2File.empty()))) {
