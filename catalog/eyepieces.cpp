@@ -79,7 +79,7 @@ double telescopeFocalLengthMm() {
     const double apertureMm = listNumber("scopeDiameterIndex", p.scopeDiameterIndex);
     const double focalRatio = listNumber("fRatioIndex", p.fRatioIndex);
     if (apertureMm <= 0 || focalRatio <= 0) {
-        showMessage("Unknown telescope focal length", "Please choose Diameter and F-Ratio in Preferences.");
+        showMessage("Unknown telescope focal length", "Please choose Diameter and F-Ratio in Preference 2/6.");
         return 0;
     }
     return apertureMm * focalRatio;
@@ -116,7 +116,7 @@ bool chosenEyepieceField(EyepieceField& out) {
     if (!loadEyepieces(eyepieces)) return false;
     const int index = prefs().eyepieceIndex;
     if (index < 0 || static_cast<std::size_t>(index) >= eyepieces.size()) {
-        showMessagef("Please choose one in Preferences 3/6.", "Eyepiece %d is not in the database (%d eyepieces).", index,
+        showMessagef("Please choose one in Preference 3/6.", "Eyepiece %d is not in the database (%d eyepieces).", index,
                      static_cast<int>(eyepieces.size()));
         return false;
     }

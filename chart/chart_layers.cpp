@@ -337,35 +337,6 @@ void drawHorizonAndCompass(const LayerContext& ctx, bool compass) {
     cairo_restore(ctx.cr);
 }
 
-void drawTelradRings(const LayerContext& ctx, const float (&ringsDeg)[3]) {
-    cairo_set_line_width(ctx.cr, 1.2);
-    setColour(ctx.cr, ctx.palette.telrad);
-    // The ring's points from the centre's unit vector (north, east, up) and two unit vectors
-    // across it, which stays well defined at the zenith.
-    const double altC = ctx.view.centreAltDeg * kDegToRad, azC = ctx.view.centreAzDeg * kDegToRad;
-    const double centre[3] = {std::cos(altC) * std::cos(azC), std::cos(altC) * std::sin(azC), std::sin(altC)};
-    const double up[3] = {-std::sin(altC) * std::cos(azC), -std::sin(altC) * std::sin(azC), std::cos(altC)};
-    const double across[3] = {-std::sin(azC), std::cos(azC), 0};
-    for (float ringDeg : ringsDeg) {
-        if (!(ringDeg > 0) || ringDeg > 90) continue;
-        const double rho = ringDeg / 2 * kDegToRad;  // the ring sizes are diameters
-        std::vector<MaybePoint> points;
-        for (int i = 0; i <= 144; ++i) {
-            const double bearing = 2 * M_PI * i / 144;
-            double p[3];
-            for (int k = 0; k < 3; ++k)
-                p[k] = centre[k] * std::cos(rho) +
-                       (up[k] * std::cos(bearing) + across[k] * std::sin(bearing)) * std::sin(rho);
-            const double alt = std::asin(std::clamp(p[2], -1.0, 1.0));
-            const double az = std::atan2(p[1], p[0]);
-            points.push_back(horizontalPoint(ctx.view, az / kDegToRad, alt / kDegToRad));
-        }
-        strokeCurve(ctx, points);
-    }
-}
-
-namespace {
-
 // Points of the circle of angular radius `radiusRad` around the chart's centre, sampled as the
 // Telrad rings are: from the centre's unit vector (north, east, up) and two unit vectors across
 // it, each point projected as a horizontal position, so the circle keeps its angular size at
@@ -389,6 +360,18 @@ std::vector<MaybePoint> centredSkyCircle(const ChartView& view, double radiusRad
     return points;
 }
 
+void drawTelradRings(const LayerContext& ctx, const float (&ringsDeg)[3]) {
+    cairo_set_line_width(ctx.cr, 1.2);
+    setColour(ctx.cr, ctx.palette.telrad);
+    for (float ringDeg : ringsDeg) {
+        if (!(ringDeg > 0) || ringDeg > 90) continue;
+        strokeCurve(ctx, centredSkyCircle(ctx.view, ringDeg / 2 * kDegToRad));  // the ring sizes are diameters
+    }
+}
+
+namespace {
+
+
 }  // namespace
 
 void drawEyepieceField(const LayerContext& ctx, double trueFieldDeg, const std::string& label) {
@@ -411,12 +394,20 @@ void drawEyepieceField(const LayerContext& ctx, double trueFieldDeg, const std::
     const double anchorX = top != nullptr ? (*top)->x : ctx.view.width / 2.0;
     const double anchorY = top != nullptr ? (*top)->y : 0.0;
     const double left = std::clamp(anchorX - width / 2, 2.0, std::max(2.0, ctx.view.width - width - 2));
-    const double baseline =
-        std::clamp(anchorY - 4, ctx.fontSize * 3.6, std::max(ctx.fontSize * 3.6, ctx.view.height - ctx.fontSize * 2.0));
+    const double lowest = std::max(ctx.fontSize * 3.6, ctx.view.height - ctx.fontSize * 2.0);
+    const double first = std::clamp(anchorY - 4, ctx.fontSize * 3.6, lowest);
+    // Labels placed before it keep their places: the first free line at or below the first
+    // choice (the first choice when none is free).
+    double baseline = first;
+    for (double candidate = first; candidate <= lowest; candidate += ctx.fontSize * 1.3) {
+        if (ctx.labels.claim(left, candidate - ctx.fontSize, width, ctx.fontSize * 1.2)) {
+            baseline = candidate;
+            break;
+        }
+    }
     setColour(ctx.cr, ctx.palette.telrad);
     cairo_move_to(ctx.cr, left, baseline);
     cairo_show_text(ctx.cr, utf8.c_str());
-    ctx.labels.claim(left, baseline - ctx.fontSize, width, ctx.fontSize * 1.2);
 }
 
 void applyNightMode(cairo_surface_t* surface, bool whiteScheme) {

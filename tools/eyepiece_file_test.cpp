@@ -49,22 +49,15 @@ TEST(EyepieceRecords, CommonDesignsAtTheirApparentFields) {
         EXPECT_EQ(r->focalLengthMm, e.focalMm) << e.name;
         EXPECT_EQ(r->apparentFieldDeg, e.apparentDeg) << e.name;
     }
-    // Each design family in one stretch, longest focal length first.
-    for (std::size_t i = 1; i < records.size(); ++i) {
-        if (records[i].apparentFieldDeg == records[i - 1].apparentFieldDeg) {
-            EXPECT_LT(records[i].focalLengthMm, records[i - 1].focalLengthMm) << nameOf(records[i]);
-        }
-    }
-    // Every name names its focal length.
-    for (const EyepieceRecord& r : records) {
-        char focal[16];
-        std::snprintf(focal, sizeof focal, " %gmm", static_cast<double>(r.focalLengthMm));
-        EXPECT_NE(nameOf(r).find(focal), std::string::npos) << nameOf(r);
-    }
 }
 
 TEST(EyepieceRecords, WrittenFileReadsBackThroughTheProgramsReader) {
     TempFolder folder;
+    const fs::path previousFolder = programFolder();
+    struct Restore {
+        fs::path folder;
+        ~Restore() { setProgramFolder(folder); }
+    } restore{previousFolder};
     setProgramFolder(folder.path());
     ASSERT_TRUE(ensureProgramFolders());
     const std::vector<EyepieceRecord> written = eyepieceRecords();
