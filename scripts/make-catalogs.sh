@@ -7,7 +7,12 @@ set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 bin="$root/${1:?usage: make-catalogs.sh BUILD_DIR}/bin"
 sources=${NOCTURNEL_SOURCES:-${XDG_CACHE_HOME:-$HOME/.cache}/nocturnel/sources}
-if [ ! -f "$bin/data/nocturnel_default_stars.ppc" ] || [ ! -f "$bin/data/SOURCES" ]; then
+# A data/ folder made by an older builder lacks some file: build again.
+missing=0
+for f in nocturnel_default_stars.ppc nocturnel_hip_110k.ppc nocturnel_obj_18k.ppc nocturnel_eyepiece.ppc SOURCES; do
+  [ -f "$bin/data/$f" ] || missing=1
+done
+if [ "$missing" = 1 ]; then
   "$root/scripts/fetch-sources.sh" "$sources"
   tycho=()
   if [ -n "${NOCTURNEL_TYCHO2:-}" ]; then tycho=(--tycho2 "$NOCTURNEL_TYCHO2"); fi
