@@ -369,7 +369,7 @@ int buildCatalogues(const BuildOptions& options, BuildReport* reportOut) {
             report.noSource.push_back(name);
         } else if (!f.leftOut.empty()) {
             std::string line = name + ": " + std::to_string(f.available) + " objects, " + std::to_string(f.slots) +
-                               " slots, left out " + std::to_string(f.leftOut.size()) + " (faintest):";
+                               " slots, left out " + std::to_string(f.leftOut.size()) + " (no magnitude or faintest):";
             for (size_t i = 0; i < f.leftOut.size() && i < 12; ++i) line += " " + std::to_string(f.leftOut[i]);
             if (f.leftOut.size() > 12) line += " ...";
             report.notFitted.push_back(line);

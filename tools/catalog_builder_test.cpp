@@ -244,7 +244,7 @@ TEST_F(SmallBuild, IndexHonoursTheStretchesAndReportsWhatDidNotFit) {
     EXPECT_EQ(index[1126].key, objectIndexFillerKey(36));
     EXPECT_EQ(index[1127].key, objectIndexKey(kCatalogCaldwell, 20));
     ASSERT_EQ(report_.notFitted.size(), 1u);
-    EXPECT_EQ(report_.notFitted[0], "Melotte: 15 objects, 12 slots, left out 3 (faintest): 12 13 14");
+    EXPECT_EQ(report_.notFitted[0], "Melotte: 15 objects, 12 slots, left out 3 (no magnitude or faintest): 12 13 14");
     EXPECT_NE(std::find(report_.noSource.begin(), report_.noSource.end(), "Markarian"), report_.noSource.end());
 }
 
