@@ -1,5 +1,6 @@
 #include "scope/lx200.h"
 
+#include "scope/drive_types.h"
 #include "scope/lx200_format.h"
 #include "scope/serial_link.h"
 #include "settings/message.h"
@@ -12,11 +13,6 @@ namespace nocturnel {
 namespace {
 
 constexpr int kLx200Baud = 9600;
-constexpr int kDriveAutoStar = 2;
-constexpr int kDriveLx200 = 5;
-constexpr int kDriveMagellan1 = 6;
-constexpr int kDriveMagellan2 = 7;
-constexpr int kDriveLosmandy = 17;
 
 // The telescope that answers instead of the port while prefs().simulatedScope is set. The
 // shown position walks towards the target one tenth of the way per read, or drifts while a
