@@ -3,7 +3,7 @@
 # Everything comes from Debian's packages; nothing else is downloaded.
 set -euo pipefail
 
-packages=(build-essential cmake pkg-config git
+packages=(build-essential cmake pkg-config git ccache
           libgtest-dev libgmock-dev libbenchmark-dev liberfa-dev
           libcairo2-dev libfontconfig-dev zlib1g-dev fonts-dejavu-core
           libcli11-dev libcpp-httplib-dev nlohmann-json3-dev
