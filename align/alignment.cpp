@@ -11,6 +11,7 @@
 #include "scope/mount_mapping.h"
 #include "settings/message.h"
 #include "settings/preferences_file.h"
+#include "settings/saved_preferences.h"
 
 namespace nocturnel {
 namespace {
@@ -94,7 +95,19 @@ int computeAlignmentFromForm(const AlignmentForm& form, double nowJdUt) {
     p.savedEncoderAltOffset = p.encoderAltOffset;
     p.savedEncoderAzOffset = p.encoderAzOffset;
     p.hasSavedAlignment = 1;
-    savePreferences(prefs());
+    // Only the alignment's own fields go into the saved record: what other processes saved
+    // meanwhile is kept.
+    updateSavedPreferences([&p](Preferences& saved) {
+        for (int i = 0; i < 2; ++i) {
+            saved.alignStar[i] = p.alignStar[i];
+            saved.savedAlignStar[i] = p.savedAlignStar[i];
+        }
+        saved.savedEncoderAltOffset = p.savedEncoderAltOffset;
+        saved.savedEncoderAzOffset = p.savedEncoderAzOffset;
+        saved.hasSavedAlignment = p.hasSavedAlignment;
+        saved.alignmentJd = p.alignmentJd;
+        return true;
+    });
     return 1;
 }
 

@@ -2,12 +2,12 @@
 
 #include <cstdarg>
 #include <cstdio>
-#include <fstream>
 
 #include "align/alignment.h"
 #include "align/alignment_matrix.h"
 #include "core/angle_text.h"
 #include "scope/drive_types.h"
+#include "settings/atomic_file.h"
 #include "settings/message.h"
 #include "settings/preferences.h"
 
@@ -70,13 +70,7 @@ void writeAlignmentReport(std::string& text, const CalendarDate& now) {
 bool saveAlignmentReport(const std::filesystem::path& file, const CalendarDate& now) {
     std::string text;
     writeAlignmentReport(text, now);
-    std::ofstream out(file, std::ios::binary | std::ios::trunc);
-    if (out) out << text;
-    if (!out) {
-        showMessage("Can't write the alignment report", file.string());
-        return false;
-    }
-    return true;
+    return writeOutputFile(file, text, "Can't write the alignment report");
 }
 
 }  // namespace nocturnel

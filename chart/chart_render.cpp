@@ -14,6 +14,7 @@
 #include "chart/star_images.h"
 #include "chart/zoom_limits.h"
 #include "core/time.h"
+#include "settings/atomic_file.h"
 #include "settings/message.h"
 
 namespace nocturnel {
@@ -148,15 +149,12 @@ ChartSurface renderChart(const ChartRequest& request, ChartResult& result) {
 bool saveChartPng(cairo_surface_t* surface, const std::filesystem::path& path) {
     if (surface == nullptr) return false;
     std::vector<uint8_t> png;
-    std::FILE* file = nullptr;
-    bool written = encodePng(surface, png) && (file = std::fopen(path.c_str(), "wb")) != nullptr &&
-                   std::fwrite(png.data(), 1, png.size(), file) == png.size();
-    if (file != nullptr && std::fclose(file) != 0) written = false;
-    if (!written) {
+    if (!encodePng(surface, png)) {
         showMessage("Can't create file", path.string());
         return false;
     }
-    return true;
+    return writeOutputFile(path, std::string_view(reinterpret_cast<const char*>(png.data()), png.size()),
+                           "Can't create file");
 }
 
 void releaseChartFonts() {

@@ -1,16 +1,14 @@
 #include "settings/preferences_file.h"
 
-#include <fcntl.h>
-#include <unistd.h>
+#include <sys/stat.h>
 
 #include <array>
 #include <bit>
-#include <cerrno>
 #include <cstring>
-#include <fstream>
 #include <string>
-#include <vector>
 
+#include "settings/atomic_file.h"
+#include "settings/folder_lock.h"
 #include "settings/message.h"
 #include "settings/program_folder.h"
 
@@ -22,41 +20,13 @@ static_assert(std::endian::native == std::endian::little, "the preferences file 
 namespace {
 
 constexpr char kMagic[8] = {'N', 'O', 'C', 'T', 'P', 'R', 'E', 'F'};
+constexpr char kSaveTitle[] = "Can't save the preferences";
+constexpr std::chrono::seconds kLockPatience{10};
+constexpr std::size_t kFileSize = sizeof(PreferencesFileHeader) + sizeof(Preferences);
 
-// Owns a POSIX file descriptor.
-class FileDescriptor {
-public:
-    explicit FileDescriptor(int fd) : fd_(fd) {}
-    ~FileDescriptor() { close(); }
-    FileDescriptor(const FileDescriptor&) = delete;
-    FileDescriptor& operator=(const FileDescriptor&) = delete;
-    int get() const { return fd_; }
-    bool close() {
-        if (fd_ < 0) return true;
-        const int rc = ::close(fd_);
-        fd_ = -1;
-        return rc == 0;
-    }
-
-private:
-    int fd_;
-};
-
-bool writeAll(int fd, const char* data, std::size_t size) {
-    while (size > 0) {
-        const ssize_t n = ::write(fd, data, size);
-        if (n < 0) {
-            if (errno == EINTR) continue;
-            return false;
-        }
-        data += n;
-        size -= static_cast<std::size_t>(n);
-    }
-    return true;
-}
-
-void reportDamaged(const char* title) {
-    showMessage(title, "Default settings are used; the file is kept until you save.");
+void reportNotAFile() {
+    showMessage("The preferences file is not a regular file",
+                preferencesFilePath().string() + " is left alone; default settings are used.");
 }
 
 }  // namespace
@@ -79,81 +49,86 @@ uint32_t crc32(const void* data, std::size_t size) {
 
 fs::path preferencesFilePath() { return programFolder() / kPreferencesFileName; }
 
-PreferencesLoad loadPreferences(Preferences& p) {
-    const fs::path path = preferencesFilePath();
-    std::error_code ec;
-    if (!fs::exists(path, ec)) return PreferencesLoad::Missing;
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        showMessage("Can't read the preferences file", "Default settings are used.");
-        return PreferencesLoad::Damaged;
-    }
-    // One byte more than a valid file holds tells an over-long file apart.
-    const std::size_t expected = sizeof(PreferencesFileHeader) + sizeof(Preferences);
-    std::vector<char> bytes(expected + 1);
-    in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    const auto got = static_cast<std::size_t>(in.gcount());
-
+const char* parsePreferencesBytes(std::string_view bytes, Preferences& p) {
     PreferencesFileHeader header{};
-    if (got < sizeof header) {
-        reportDamaged("The preferences file is too short");
-        return PreferencesLoad::Damaged;
-    }
+    if (bytes.size() < sizeof header) return "The preferences file is too short";
     std::memcpy(&header, bytes.data(), sizeof header);
-    if (std::memcmp(header.magic, kMagic, sizeof kMagic) != 0) {
-        reportDamaged("The preferences file is not a Nocturnel file");
-        return PreferencesLoad::Damaged;
-    }
-    if (header.version != kPreferencesFileVersion || header.payloadSize != sizeof(Preferences)) {
-        reportDamaged("The preferences file has another version");
-        return PreferencesLoad::Damaged;
-    }
-    if (got < expected) {
-        reportDamaged("The preferences file is too short");
-        return PreferencesLoad::Damaged;
-    }
-    if (got > expected) {
-        reportDamaged("The preferences file is too long");
-        return PreferencesLoad::Damaged;
-    }
+    if (std::memcmp(header.magic, kMagic, sizeof kMagic) != 0) return "The preferences file is not a Nocturnel file";
+    if (header.version != kPreferencesFileVersion || header.payloadSize != sizeof(Preferences))
+        return "The preferences file has another version";
+    if (bytes.size() < kFileSize) return "The preferences file is too short";
+    if (bytes.size() > kFileSize) return "The preferences file is too long";
     const char* payload = bytes.data() + sizeof header;
-    if (crc32(payload, sizeof(Preferences)) != header.checksum) {
-        reportDamaged("The preferences file is damaged");
-        return PreferencesLoad::Damaged;
-    }
+    if (crc32(payload, sizeof(Preferences)) != header.checksum) return "The preferences file is damaged";
     std::memcpy(static_cast<void*>(&p), payload, sizeof(Preferences));
-    return PreferencesLoad::Loaded;
+    return nullptr;
 }
 
-bool savePreferences(const Preferences& p) {
-    const fs::path path = preferencesFilePath();
-    const fs::path temp = fs::path(path).concat(".tmp");
+std::string preferencesFileBytes(const Preferences& p) {
     PreferencesFileHeader header{};
     std::memcpy(header.magic, kMagic, sizeof kMagic);
     header.version = kPreferencesFileVersion;
     header.payloadSize = sizeof(Preferences);
     header.checksum = crc32(&p, sizeof p);
+    std::string bytes(kFileSize, '\0');
+    std::memcpy(bytes.data(), &header, sizeof header);
+    std::memcpy(bytes.data() + sizeof header, &p, sizeof p);
+    return bytes;
+}
 
-    auto fail = [&](const char* what) {
-        const std::string detail = std::string(what) + ": " + std::strerror(errno);
-        ::unlink(temp.c_str());
-        showMessage("Can't save the preferences", detail);
-        return false;
-    };
-    {
-        FileDescriptor fd(::open(temp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
-        if (fd.get() < 0) return fail(temp.c_str());
-        if (!writeAll(fd.get(), reinterpret_cast<const char*>(&header), sizeof header) ||
-            !writeAll(fd.get(), reinterpret_cast<const char*>(&p), sizeof p))
-            return fail("write");
-        if (::fsync(fd.get()) != 0) return fail("fsync");
-        if (!fd.close()) return fail("close");
+PreferencesLoad loadPreferences(Preferences& p, bool quiet) {
+    std::string bytes, problem;
+    switch (readRecordFile(preferencesFilePath(), kFileSize, bytes, &problem)) {
+    case RecordRead::Missing:
+        return PreferencesLoad::Missing;
+    case RecordRead::NotRegular:
+        if (!quiet) reportNotAFile();
+        return PreferencesLoad::NotAFile;
+    case RecordRead::Unreadable:
+        if (!quiet)
+            showMessage("Can't read the preferences file",
+                        problem + "; default settings are used and the file is set aside at the next save.");
+        return PreferencesLoad::Damaged;
+    case RecordRead::Read:
+        break;
     }
-    if (::rename(temp.c_str(), path.c_str()) != 0) return fail("rename");
-    // Make the rename itself durable.
-    FileDescriptor dir(::open(programFolder().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (dir.get() >= 0) ::fsync(dir.get());
-    return true;
+    Preferences read = p;
+    if (const char* wrong = parsePreferencesBytes(bytes, read)) {
+        if (!quiet) showMessage(wrong, "Default settings are used; the file is set aside at the next save.");
+        return PreferencesLoad::Damaged;
+    }
+    p = read;
+    return PreferencesLoad::Loaded;
+}
+
+PreferencesLoad reloadPreferencesForChange(Preferences& p) {
+    const PreferencesLoad result = loadPreferences(p, true);
+    if (result == PreferencesLoad::NotAFile)
+        showMessage(kSaveTitle, preferencesFilePath().string() + " is not a regular file; nothing was saved.");
+    if (result == PreferencesLoad::Damaged) {
+        if (const auto aside = setDamagedFileAside(preferencesFilePath()))
+            showMessage("The damaged preferences file was set aside", "It is kept as " + aside->string() + ".");
+    }
+    return result;
+}
+
+bool writePreferencesFile(const Preferences& p) {
+    return replaceRecordFile(preferencesFilePath(), preferencesFileBytes(p), kSaveTitle);
+}
+
+bool savePreferences(const Preferences& p) {
+    FolderLock lock(programFolder(), kLockPatience, true);
+    if (!lock.locked()) {
+        showMessage(kSaveTitle, lock.problem());
+        return false;
+    }
+    Preferences current = p;
+    const PreferencesLoad state = reloadPreferencesForChange(current);
+    if (state == PreferencesLoad::NotAFile) return false;
+    struct stat info {};
+    if (state == PreferencesLoad::Damaged && ::lstat(preferencesFilePath().c_str(), &info) == 0)
+        return false;  // it could not be set aside: never written over
+    return writePreferencesFile(p);
 }
 
 }  // namespace nocturnel

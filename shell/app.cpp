@@ -3,6 +3,8 @@
 #include <charconv>
 
 #include "core/time.h"
+#include "settings/atomic_file.h"
+#include "settings/leftovers.h"
 #include "settings/message.h"
 #include "settings/preferences_file.h"
 #include "settings/program_folder.h"
@@ -62,22 +64,32 @@ bool readTimeOption(std::string_view text, ObservingMoment& moment) {
     return true;
 }
 
-bool savePrefsForCommand() {
-    if (savePreferences(prefs())) return true;
-    setExitCode(1);
-    return false;
+bool updatePrefsForCommand(const PreferencesChange& change) {
+    Preferences saved;
+    if (!updateSavedPreferences(change, &saved)) {
+        setExitCode(1);
+        return false;
+    }
+    // The command goes on with the record as saved (other processes' changes included); the
+    // observing moment of --date/--time stays.
+    const ObservingMoment moment = prefs().moment;
+    prefs() = saved;
+    prefs().moment = moment;
+    return true;
 }
 
 void setExitCode(int code) { exitCodeRef() = code; }
 int exitCode() { return exitCodeRef(); }
 
 bool startUp() {
+    programStartTime();
     const GlobalOptions& options = globalOptions();
     if (!options.home.empty()) setProgramFolder(options.home);
     if (!ensureProgramFolders()) {
         showMessage("Can't create the program folders", programFolder().string());
         return false;
     }
+    removeProgramFolderLeftovers();
     // Defaults first; the saved record (site, memories, page choices) is read over them; then
     // everything is brought back into range and the fields fixed at every start are forced.
     Preferences record;

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "settings/preferences.h"
+#include "settings/saved_preferences.h"
 
 namespace nocturnel {
 
@@ -26,8 +27,10 @@ bool startUp();
 bool readDateOption(std::string_view text, ObservingMoment& moment);
 bool readTimeOption(std::string_view text, ObservingMoment& moment);
 
-// Saves prefs(); false (message shown, exit code 1) on failure.
-bool savePrefsForCommand();
+// Changes the saved preferences: lock the folder, reload the saved record, apply `change`,
+// save, unlock (updateSavedPreferences); prefs() then holds the saved record. False (message
+// shown, exit code 1) when the change refuses or the save fails.
+bool updatePrefsForCommand(const PreferencesChange& change);
 
 // Exit code of the command line (0 success).
 void setExitCode(int code);

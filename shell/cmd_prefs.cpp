@@ -87,13 +87,8 @@ void runSet(const SetArguments& args) {
         }
         value = *latin1;
     }
-    Preferences edited = prefs();
-    if (!setPreferenceField(edited, args.name, value)) {
-        setExitCode(1);
+    if (!updatePrefsForCommand([&](Preferences& saved) { return setPreferenceField(saved, args.name, value); }))
         return;
-    }
-    prefs() = edited;
-    if (!savePrefsForCommand()) return;
     const PreferenceField* f = findPreferenceField(args.name);
     if (globalOptions().json) {
         std::cout << nlohmann::json{{std::string(f->name), fieldJson(prefs(), *f)}}.dump(2) << "\n";
@@ -107,10 +102,11 @@ void runReset() {
         setExitCode(1);
         return;
     }
-    const ObservingMoment moment = prefs().moment;
-    prefs() = defaultPreferences();
-    prefs().moment = moment;
-    if (!savePrefsForCommand()) return;
+    if (!updatePrefsForCommand([](Preferences& saved) {
+            saved = defaultPreferences();
+            return true;
+        }))
+        return;
     if (!globalOptions().json) std::cout << "Preferences reset to their defaults.\n";
     else std::cout << nlohmann::json{{"reset", true}}.dump() << "\n";
 }

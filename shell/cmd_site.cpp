@@ -106,12 +106,14 @@ void runSet(const SiteArguments& a) {
         setExitCode(1);
         return;
     }
-    Preferences& p = prefs();
-    setSitePosition(p, *lat, *lon, static_cast<int>(offset));
-    if (!name->empty()) copyFixedText(p.siteName, name->c_str());
-    if (!a.height.empty()) p.altitudeM = static_cast<int16_t>(height);
-    if (!savePrefsForCommand()) return;
-    printSite(p);
+    const bool saved = updatePrefsForCommand([&](Preferences& p) {
+        setSitePosition(p, *lat, *lon, static_cast<int>(offset));
+        if (!name->empty()) copyFixedText(p.siteName, name->c_str());
+        if (!a.height.empty()) p.altitudeM = static_cast<int16_t>(height);
+        return true;
+    });
+    if (!saved) return;
+    printSite(prefs());
 }
 
 void runMemory(const SiteArguments& a, bool store) {
@@ -119,14 +121,10 @@ void runMemory(const SiteArguments& a, bool store) {
         setExitCode(1);
         return;
     }
-    Preferences edited = prefs();
-    const bool ok = store ? storeSiteMemory(edited, a.memory - 1) : recallSiteMemory(edited, a.memory - 1);
-    if (!ok) {
-        setExitCode(1);
-        return;
-    }
-    prefs() = edited;
-    if (!savePrefsForCommand()) return;
+    const bool saved = updatePrefsForCommand([&](Preferences& p) {
+        return store ? storeSiteMemory(p, a.memory - 1) : recallSiteMemory(p, a.memory - 1);
+    });
+    if (!saved) return;
     printSite(prefs());
 }
 

@@ -3,6 +3,8 @@
 #include <fstream>
 #include <iterator>
 
+#include "settings/atomic_file.h"
+
 namespace nocturnel {
 
 bool readWholeFile(const std::filesystem::path& path, std::string& bytes) {
@@ -13,11 +15,10 @@ bool readWholeFile(const std::filesystem::path& path, std::string& bytes) {
 }
 
 bool writeWholeFile(const std::filesystem::path& path, std::string_view bytes) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    if (!out) return false;
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    out.close();
-    return static_cast<bool>(out);
+    // A temporary name, flushed, then renamed: a full disk or a killed build never leaves a
+    // short catalogue under the real name.
+    std::string problem;
+    return writeFileAtomically(path, bytes, problem);
 }
 
 }  // namespace nocturnel

@@ -15,7 +15,8 @@ namespace nocturnel {
 
 // Reads a whole file into bytes; false when it cannot be opened or read.
 bool readWholeFile(const std::filesystem::path& path, std::string& bytes);
-// Writes bytes to path (replacing it); false on failure.
+// Writes bytes to path (replacing it atomically: temporary name, flush, rename); false on
+// failure, leaving no partial file.
 bool writeWholeFile(const std::filesystem::path& path, std::string_view bytes);
 
 // Header + records as bytes (little-endian: the host order of every platform we build on).
