@@ -1,5 +1,9 @@
 #include "catalog/record_file.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstring>
 #include <string>
@@ -32,8 +36,20 @@ bool openDatabase(DatabaseSlot& slot, uint32_t type, uint32_t creator, int /*mod
 
     std::string relative = std::string(folder) + name;  // "%s%s"
     const std::string path = (programFolder() / relative).string();
-    std::unique_ptr<std::FILE, FileCloser> stream(std::fopen(path.c_str(), "rb"));
-    if (!stream) return false;
+    // Only a regular file is a catalogue: a FIFO or a device in its place must neither block
+    // the start nor feed it endless bytes, so the file is opened without waiting and checked.
+    const int fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    if (fd < 0) return false;
+    struct stat info {};
+    if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
+        ::close(fd);
+        return false;
+    }
+    std::unique_ptr<std::FILE, FileCloser> stream(::fdopen(fd, "rb"));
+    if (!stream) {
+        ::close(fd);
+        return false;
+    }
 
     uint8_t header[kHeaderBytes];
     if (std::fread(header, 1, sizeof header, stream.get()) != sizeof header) return false;

@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# Fuzzes every reader of outside bytes (fuzz/): builds the libFuzzer targets with clang under
+# AddressSanitizer and UndefinedBehaviorSanitizer in build-fuzz/, then runs each for SECONDS
+# (default 60) from the seed corpus in fuzz/corpus/<target>. New inputs the fuzzer finds are
+# kept in build-fuzz/corpus/<target>; a crash leaves its input in build-fuzz/crashes/ and
+# makes the script fail. Usage: scripts/fuzz.sh [SECONDS] [TARGET...]
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+seconds=${1:-60}
+shift || true
+build="$root/build-fuzz"
+
+cmake -S "$root/fuzz" -B "$build" -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=None >/dev/null
+cmake --build "$build" -j "${NOCTURNEL_JOBS:-2}"
+
+targets=("$@")
+if [ ${#targets[@]} -eq 0 ]; then
+  targets=($(cd "$build" && ls fuzz_* | sed 's/^fuzz_//'))
+fi
+mkdir -p "$build/crashes"
+failed=0
+for t in "${targets[@]}"; do
+  mkdir -p "$build/corpus/$t"
+  log="$build/fuzz_$t.log"
+  if "$build/fuzz_$t" -max_total_time="$seconds" -rss_limit_mb=2048 -print_final_stats=1 \
+       -artifact_prefix="$build/crashes/${t}-" "$build/corpus/$t" "$root/fuzz/corpus/$t" >"$log" 2>&1; then
+    result=ok
+  else
+    result=FAILED; failed=1
+  fi
+  runs=$(grep -o 'stat::number_of_executed_units: *[0-9]*' "$log" | grep -o '[0-9]*$' || echo '?')
+  printf '%-20s %-6s %12s executions  (log: %s)\n' "$t" "$result" "$runs" "$log"
+done
+exit $failed
