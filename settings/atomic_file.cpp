@@ -226,8 +226,7 @@ fs::file_time_type programStartTime() {
     return start;
 }
 
-int removeLeftoverTemporaryFiles(const fs::path& folder) {
-    const fs::file_time_type start = programStartTime();
+int removeLeftoverTemporaryFiles(const fs::path& folder, fs::file_time_type olderThan) {
     std::error_code ec;
     int removed = 0;
     for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
@@ -236,7 +235,7 @@ int removeLeftoverTemporaryFiles(const fs::path& folder) {
         std::error_code statError;
         if (!it->is_regular_file(statError) || it->is_symlink(statError)) continue;
         const auto written = fs::last_write_time(it->path(), statError);
-        if (statError || written >= start) continue;
+        if (statError || written >= olderThan) continue;
         // A writer that is still running (another program on the folder) keeps its file.
         if (pid == ::getpid() || ::kill(static_cast<pid_t>(pid), 0) == 0 || errno != ESRCH) continue;
         if (::unlink(it->path().c_str()) == 0) ++removed;

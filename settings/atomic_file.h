@@ -56,8 +56,8 @@ bool isTemporaryName(std::string_view fileName, long* pid = nullptr);
 
 // Marks the start of the running program (the first call fixes it).
 std::filesystem::file_time_type programStartTime();
-// Removes, from `folder` (not its subfolders), the temporary files older than the running
-// program whose writer is no longer running. Returns how many were removed.
-int removeLeftoverTemporaryFiles(const std::filesystem::path& folder);
+// Removes, from `folder` (not its subfolders), the temporary files written before `olderThan`
+// (at start-up: programStartTime()) whose writer is no longer running. Returns how many.
+int removeLeftoverTemporaryFiles(const std::filesystem::path& folder, std::filesystem::file_time_type olderThan);
 
 }  // namespace nocturnel

@@ -9,9 +9,10 @@ namespace nocturnel {
 int removeProgramFolderLeftovers() {
     FolderLock lock(programFolder(), std::chrono::milliseconds(0), true);
     if (!lock.locked()) return 0;
-    int removed = removeLeftoverTemporaryFiles(programFolder());
+    const auto start = programStartTime();
+    int removed = removeLeftoverTemporaryFiles(programFolder(), start);
     for (const auto& folder : {userListsFolder(), userLogsFolder(), userCatalogsFolder()})
-        removed += removeLeftoverTemporaryFiles(folder);
+        removed += removeLeftoverTemporaryFiles(folder, start);
     return removed;
 }
 
