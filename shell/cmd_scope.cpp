@@ -32,7 +32,9 @@
 #include "settings/preferences.h"
 #include "shell/app.h"
 #include "shell/commands.h"
+#include "shell/drive_options.h"
 #include "shell/scope_clock.h"
+#include "shell/target_names.h"
 
 namespace nocturnel {
 
@@ -70,6 +72,7 @@ struct ScopeOptions {
     bool trace = false;
     bool simulated = false;
     std::string ra, dec;
+    std::string target;  // goto / sync NAME or --object NAME
     int rate = -1;
     std::string direction;
     double seconds = 0;
@@ -125,25 +128,7 @@ bool prepare(const ScopeOptions& o) {
     if (!startUp()) return false;
     if (const char* settle = std::getenv("NOCTURNEL_SERIAL_SETTLE_MS"))
         setSerialSettleMillisecondsForTests(std::atoi(settle));
-    if (!o.drive.empty()) {
-        const int code = driveCodeFromName(o.drive);
-        if (code < 0) {
-            showMessage("Unknown scope drive", o.drive);
-            return false;
-        }
-        prefs().scopeDrive = code;
-    }
-    if (!o.port.empty()) {
-        if (o.port.size() >= sizeof prefs().scopeDevice) {  // the record keeps 63 characters
-            showMessage("Can't open serial port", o.port);
-            return false;
-        }
-        std::strncpy(prefs().scopeDevice, o.port.c_str(), sizeof prefs().scopeDevice - 1);
-        prefs().scopeDevice[sizeof prefs().scopeDevice - 1] = '\0';
-        rebuildPortNameList();
-        const int index = portIndexOf(o.port);
-        prefs().scopePort = index < 0 ? 0 : index;
-    }
+    if (!applyDriveOptions(o.drive, o.port)) return false;
     // A saved two-star alignment is offered again, so that aligned drives read and point
     // through it in every run.
     offerAlignmentRestore();
@@ -238,10 +223,10 @@ void runRead(const ScopeOptions& o) {
 
 void runGotoOrSync(const ScopeOptions& o, bool isGoto) {
     if (!prepare(o)) return fail();
-    auto ra = angleOption(o.ra, "right ascension");
-    auto dec = angleOption(o.dec, "declination");
-    if (!ra || !dec) return fail();
-    const int ok = isGoto ? scopeGotoEquatorial(*ra, *dec) : scopeSyncEquatorial(*ra, *dec);
+    ResolvedTarget target;
+    if (!resolveTargetOrPlace(o.target, o.ra, o.dec, target)) return fail();
+    const int ok = isGoto ? scopeGotoEquatorial(target.raHours, target.decDeg)
+                          : scopeSyncEquatorial(target.raHours, target.decDeg);
     if (!ok) {
         if (isGoto) showMessage("Goto failed");
         return fail();
@@ -354,6 +339,14 @@ void runSimulate(const ScopeOptions& o) {
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
 }
 
+// goto / sync: NAME, --object NAME, or --ra H --dec D.
+void addTargetOptions(CLI::App* command, ScopeOptions& o) {
+    auto* name = command->add_option("name", o.target, "Object name: Vega, M 42, NGC 1976 (or --ra/--dec)");
+    command->add_option("--object", o.target, "Object name, as NAME")->excludes(name);
+    command->add_option("--ra", o.ra, "Right ascension, hours (J2000): 5.5 or 05:30:00");
+    command->add_option("--dec", o.dec, "Declination, degrees (J2000): -5.4 or -05:24:00");
+}
+
 }  // namespace
 
 void registerScopeCommand(CLI::App& app) {
@@ -361,22 +354,19 @@ void registerScopeCommand(CLI::App& app) {
     CLI::App* scope = app.add_subcommand("scope", "Drive the telescope: connect, read, goto, sync, move, track");
     scope->require_subcommand(1);
     scope->fallthrough();
-    scope->add_option("--drive", o->drive, "Drive for this run: a list name (\"LX200\") or its code");
-    scope->add_option("--port", o->port, "Serial device for this run (e.g. /dev/ttyUSB0 or a /dev/pts/N)");
+    addDriveOptions(scope, o->drive, o->port);
     scope->add_flag("--trace", o->trace, "Show every command and reply");
     scope->add_flag("--simulated", o->simulated, "Let the built-in simulated telescope answer (LX200, encoders)");
 
     scope->add_subcommand("connect", "Connect to the drive and disconnect")->callback([o] { runConnect(*o); });
     scope->add_subcommand("read", "Read the position once")->callback([o] { runRead(*o); });
 
-    CLI::App* go = scope->add_subcommand("goto", "Send the telescope to a J2000 position");
-    go->add_option("--ra", o->ra, "Right ascension, hours (J2000): 5.5 or 05:30:00")->required();
-    go->add_option("--dec", o->dec, "Declination, degrees (J2000): -5.4 or -05:24:00")->required();
+    CLI::App* go = scope->add_subcommand("goto", "Send the telescope to a named object or a J2000 position");
+    addTargetOptions(go, *o);
     go->callback([o] { runGotoOrSync(*o, true); });
 
-    CLI::App* sync = scope->add_subcommand("sync", "Tell the mount it points at a J2000 position");
-    sync->add_option("--ra", o->ra, "Right ascension, hours (J2000)")->required();
-    sync->add_option("--dec", o->dec, "Declination, degrees (J2000)")->required();
+    CLI::App* sync = scope->add_subcommand("sync", "Tell the mount it points at a named object or a J2000 position");
+    addTargetOptions(sync, *o);
     sync->callback([o] { runGotoOrSync(*o, false); });
 
     CLI::App* rate = scope->add_subcommand("rate", "Slew rate: 0 slew, 1 find, 2 centre, 3 guide");
