@@ -175,6 +175,8 @@ void registerAlignCommand(CLI::App& app) {
                       "Centre two named stars (Vega, Deneb) in turn with the drive connected; Enter reads it")
         ->expected(2);
     addDriveOptions(align, options->drive, options->port);
+    align->footer("With --from-scope, --drive and --port choose the telescope as for `scope`; the alignment is saved "
+                  "with the drive and port it was made with.");
     align->require_subcommand(0, 1);
     align->callback([options, align]() {
         if (!align->get_subcommands().empty()) return;

@@ -34,6 +34,7 @@
 #include "shell/commands.h"
 #include "shell/drive_options.h"
 #include "shell/scope_clock.h"
+#include "shell/simulator_console.h"
 #include "shell/target_names.h"
 
 namespace nocturnel {
@@ -313,7 +314,10 @@ void runSimulate(const ScopeOptions& o) {
         options.raHours = *ra;
         options.decDeg = *dec;
     }
-    PtyMount::Responder responder = makeMountSimulator(code, options);
+    std::shared_ptr<EncoderBoxSimulation> box;  // an encoder box is pushed from standard input
+    PtyMount::Responder responder = driveFamily(code) == DriveFamily::EncoderBox
+                                        ? makeEncoderSimulatorWithState(code, options, box)
+                                        : makeMountSimulator(code, options);
     if (!responder) {
         showMessage("No simulator for this scope drive",
                     driveListName(code).empty() ? std::to_string(code) : std::string(driveListName(code)));
@@ -332,6 +336,7 @@ void runSimulate(const ScopeOptions& o) {
                   << " read   (Ctrl-C stops the simulator)" << std::endl;
     }
     InterruptGuard guard;
+    SimulatorConsole console(box);
     const bool forever = o.seconds <= 0;
     const auto end = std::chrono::steady_clock::now() +
                      std::chrono::milliseconds(forever ? 0 : static_cast<long long>(o.seconds * 1000));
