@@ -33,6 +33,7 @@
 #include "shell/app.h"
 #include "shell/commands.h"
 #include "shell/drive_options.h"
+#include "shell/option_checks.h"
 #include "shell/scope_clock.h"
 #include "shell/simulator_console.h"
 #include "shell/target_names.h"
@@ -182,12 +183,6 @@ bool slewingAvailable() {
     return false;
 }
 
-std::optional<double> angleOption(const std::string& text, const char* what) {
-    auto value = parseAngleText(text);
-    if (!value) showMessage(std::string("Bad ") + what, text);
-    return value;
-}
-
 // Stops one direction. The Takahashi stop of one direction ("M@") reports 0 whatever
 // happened, as the mount's program always did: its result says nothing, so it is not a failure.
 bool stopMove(int direction) {
@@ -308,8 +303,8 @@ void runSimulate(const ScopeOptions& o) {
     SimulatorOptions options;
     options.highPrecision = o.precision != "low";
     if (!o.ra.empty() || !o.dec.empty()) {
-        auto ra = angleOption(o.ra.empty() ? "0" : o.ra, "right ascension");
-        auto dec = angleOption(o.dec.empty() ? "0" : o.dec, "declination");
+        auto ra = checkedRightAscension(o.ra.empty() ? "0" : o.ra);
+        auto dec = checkedDeclination(o.dec.empty() ? "0" : o.dec);
         if (!ra || !dec) return fail();
         options.raHours = *ra;
         options.decDeg = *dec;
@@ -381,7 +376,7 @@ void registerScopeCommand(CLI::App& app) {
     CLI::App* move = scope->add_subcommand("move", "Start moving north, south, east or west");
     move->add_option("direction", o->direction, "n, s, e or w")->required();
     move->add_option("--rate", o->rate, "Set this rate first (0..3)")->check(CLI::Range(0, 3));
-    move->add_option("--seconds", o->seconds, "Stop again after this many seconds");
+    move->add_option("--seconds", o->seconds, "Stop again after this many seconds")->check(finiteRange(0, 3600));
     move->callback([o] { runMove(*o); });
 
     CLI::App* stop = scope->add_subcommand("stop", "Stop one direction, or everything");
@@ -389,7 +384,7 @@ void registerScopeCommand(CLI::App& app) {
     stop->callback([o] { runStop(*o); });
 
     CLI::App* track = scope->add_subcommand("track", "Print the position once a second until interrupted");
-    track->add_option("--count", o->count, "Stop after this many reads");
+    track->add_option("--count", o->count, "Stop after this many reads")->check(finiteRange(0, 1e9));
     track->callback([o] { runTrack(*o); });
 
     CLI::App* simulate = scope->add_subcommand("simulate", "Run a simulated mount on a pseudo-terminal");
@@ -397,7 +392,8 @@ void registerScopeCommand(CLI::App& app) {
         ->check(CLI::IsMember({"high", "low"}));
     simulate->add_option("--ra", o->ra, "Starting right ascension, hours");
     simulate->add_option("--dec", o->dec, "Starting declination, degrees");
-    simulate->add_option("--seconds", o->seconds, "Stop after this many seconds (default: until interrupted)");
+    simulate->add_option("--seconds", o->seconds, "Stop after this many seconds (default: until interrupted)")
+        ->check(finiteRange(0, 1e7));
     simulate->callback([o] { runSimulate(*o); });
 }
 

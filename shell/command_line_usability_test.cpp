@@ -324,6 +324,12 @@ TEST_F(CommandLineUsability, ImpossibleNumbersAreRefusedWithAMessage) {
         {"scope", "sync", "--ra", "5", "--dec", "nan"},
         {"site", "set", "--lat", "91", "--lon", "0", "--utc-offset", "0"},
         {"prefs", "set", "deltaTSeconds", "nan"},
+        {"where", "HIP -1"},
+        {"where", "NGC -5"},
+        {"scope", "goto", "M +42"},
+        {"scope", "move", "n", "--seconds", "1e308"},
+        {"scope", "simulate", "--seconds", "nan"},
+        {"scope", "simulate", "--ra", "25"},
     };
     for (const auto& args : cases) {
         std::string line;

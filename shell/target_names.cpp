@@ -1,5 +1,6 @@
 #include "shell/target_names.h"
 
+#include <cctype>
 #include <cmath>
 #include <vector>
 
@@ -23,6 +24,16 @@ std::string trimmed(std::string_view text) {
     return std::string(text);
 }
 
+// "HIP -1", "NGC +5": a catalogue number is positive and written without a sign.
+bool hasSignedCatalogueNumber(const std::string& name) {
+    std::size_t i = 0;
+    while (i < name.size() && (std::isalpha(static_cast<unsigned char>(name[i])) || name[i] == '.')) ++i;
+    if (i == 0) return false;
+    while (i < name.size() && name[i] == ' ') ++i;
+    return i + 1 < name.size() && (name[i] == '-' || name[i] == '+') &&
+           std::isdigit(static_cast<unsigned char>(name[i + 1]));
+}
+
 bool placeInRange(const ResolvedTarget& t) {
     return std::isfinite(t.raHours) && std::isfinite(t.decDeg) && t.raHours >= 0 && t.raHours <= 24 &&
            t.decDeg >= -90 && t.decDeg <= 90;
@@ -37,6 +48,10 @@ bool resolveTarget(std::string_view typed, ResolvedTarget& out) {
     const std::string name = trimmed(typed);
     if (name.empty()) {
         showMessage("No object name given", "Give a name such as Vega, M 42 or NGC 1976, or --ra and --dec.");
+        return false;
+    }
+    if (hasSignedCatalogueNumber(name)) {
+        showMessage("Invalid catalogue number in \"" + name + "\"", "Catalogue numbers are positive: write NGC 5, HIP 1.");
         return false;
     }
     for (const TargetFinder& finder : finders()) {
