@@ -34,7 +34,8 @@ struct AlignOptions {
     std::string star1, star2, toTime, output;
     std::vector<std::string> fromScope;
     std::string drive, port;       // --drive / --port for --from-scope, as `scope` takes them
-    std::string mapName, ra, dec;  // align map NAME | --ra H --dec D
+    std::vector<std::string> mapName;  // align map NAME (one or more words)
+    std::string ra, dec;               // | --ra H --dec D
 };
 
 // The typed angles of one star, each within its range before the matrix is computed: time
@@ -236,7 +237,7 @@ void registerAlignCommand(CLI::App& app) {
     map->callback([options]() {
         if (!startUp()) return setExitCode(1);
         ResolvedTarget target;
-        if (!resolveTargetOrPlace(options->mapName, options->ra, options->dec, target)) return setExitCode(1);
+        if (!resolveTargetOrPlace(joinedName(options->mapName), options->ra, options->dec, target)) return setExitCode(1);
         if (!ensureAlignment()) return setExitCode(1);
         double hor = 0, elv = 0;
         skyToTelescope(target.raHours, target.decDeg, nowJd(), hor, elv);

@@ -20,6 +20,7 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "align/alignment.h"
 #include "core/angle_text.h"
@@ -74,7 +75,8 @@ struct ScopeOptions {
     bool trace = false;
     bool simulated = false;
     std::string ra, dec;
-    std::string target;  // goto / sync NAME or --object NAME
+    std::string target;                    // goto / sync --object NAME
+    std::vector<std::string> targetWords;  // goto / sync NAME (one or more words)
     int rate = -1;
     std::string direction;
     double seconds = 0;
@@ -220,7 +222,8 @@ void runRead(const ScopeOptions& o) {
 void runGotoOrSync(const ScopeOptions& o, bool isGoto) {
     if (!prepare(o)) return fail();
     ResolvedTarget target;
-    if (!resolveTargetOrPlace(o.target, o.ra, o.dec, target)) return fail();
+    const std::string name = o.target.empty() ? joinedName(o.targetWords) : o.target;
+    if (!resolveTargetOrPlace(name, o.ra, o.dec, target)) return fail();
     const int ok = isGoto ? scopeGotoEquatorial(target.raHours, target.decDeg)
                           : scopeSyncEquatorial(target.raHours, target.decDeg);
     if (!ok) {
@@ -341,7 +344,7 @@ void runSimulate(const ScopeOptions& o) {
 
 // goto / sync: NAME, --object NAME, or --ra H --dec D.
 void addTargetOptions(CLI::App* command, ScopeOptions& o) {
-    auto* name = command->add_option("name", o.target, "Object name: Vega, M 42, NGC 1976 (or --ra/--dec)");
+    auto* name = command->add_option("name", o.targetWords, "Object name: Vega, M 42, NGC 1976 (or --ra/--dec)");
     command->add_option("--object", o.target, "Object name, as NAME")->excludes(name);
     command->add_option("--ra", o.ra, "Right ascension, hours (J2000): 5.5 or 05:30:00");
     command->add_option("--dec", o.dec, "Declination, degrees (J2000): -5.4 or -05:24:00");

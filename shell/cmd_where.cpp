@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/angle_text.h"
 #include "core/apparent_place.h"
@@ -21,7 +22,7 @@ namespace nocturnel {
 namespace {
 
 struct PlaceOptions {
-    std::string name;
+    std::vector<std::string> name;  // one or more words: where M 42
     std::string ra;
     std::string dec;
     std::string level;
@@ -57,7 +58,7 @@ void runWhere(const PlaceOptions& options) {
     }
     ResolvedTarget target;
     const std::optional<int> level = readLevel(options);
-    if (!level || !resolveTargetOrPlace(options.name, options.ra, options.dec, target)) {
+    if (!level || !resolveTargetOrPlace(joinedName(options.name), options.ra, options.dec, target)) {
         setExitCode(1);
         return;
     }

@@ -139,6 +139,10 @@ TEST_F(CommandLineUsability, CatalogueNamesFromTheBuiltCatalogues) {
     const CliRun place = run({"--json", "where", "--ra", "5:35:17", "--dec", "-5:23:28"});
     EXPECT_NEAR(r.json()["alt"].get<double>(), place.json()["alt"].get<double>(), 0.05);
     EXPECT_NEAR(r.json()["az"].get<double>(), place.json()["az"].get<double>(), 0.1);
+    // Typed as two words, as observers do.
+    const CliRun words = run({"--json", "where", "M", "42"});
+    ASSERT_EQ(words.exit, 0) << words.titles();
+    EXPECT_EQ(words.json()["alt"], r.json()["alt"]);
 }
 
 // ---- 2. The longitude trap ----

@@ -41,6 +41,12 @@ bool placeInRange(const ResolvedTarget& t) {
 
 }  // namespace
 
+std::string joinedName(const std::vector<std::string>& words) {
+    std::string name;
+    for (const std::string& w : words) name += (name.empty() ? "" : " ") + w;
+    return name;
+}
+
 void addTargetFinder(TargetFinder finder) { finders().push_back(std::move(finder)); }
 void clearTargetFinders() { finders().clear(); }
 

@@ -6,6 +6,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "settings/preferences.h"
 
@@ -23,6 +24,9 @@ struct ResolvedTarget {
 using TargetFinder = std::function<bool(std::string_view name, const ObservingMoment& moment, ResolvedTarget& out)>;
 void addTargetFinder(TargetFinder finder);
 void clearTargetFinders();  // tests
+
+// A name typed as several words on the command line (`where M 42`), joined by single spaces.
+std::string joinedName(const std::vector<std::string>& words);
 
 // The place of a name for the observing moment of prefs(). False with one message when no
 // finder knows it (the object finder's own message when the text reads as a catalogue name).
