@@ -6,6 +6,7 @@
 #include "catalog/formats.h"
 #include "catalog/objects.h"
 #include "catalog/star_catalog.h"
+#include "settings/program_folder.h"
 #include "settings/message.h"
 #include "settings/preferences.h"
 
@@ -43,7 +44,7 @@ bool openStarFile(int level) {
 void showInstallAlert(int level) {
     const char* name = (level >= 0 && level < static_cast<int>(kStarCatalogFiles.size()))
                            ? kStarCatalogFiles[level] : "?";
-    showMessagef("", "Please install %s in /PALM/Programs/Nocturnel folder.", name);
+    showMessagef("Looked in " + dataPath(name).parent_path().string(), "Please install %s in /PALM/Programs/Nocturnel folder.", name);
 }
 }  // namespace
 
@@ -79,7 +80,8 @@ void closeCatalogues() {
 
 bool openDefaultStars() {
     if (!openDatabase(state().defaultStars, kDefaultStarType, kCreator, 0, kDataFolder, "nocturnel_default_stars.ppc")) {
-        showMessage("Could not open star database", "Please install nocturnel_default_stars.ppc");
+        showMessage("Could not open star database",
+                    "Please install nocturnel_default_stars.ppc in " + dataPath("nocturnel_default_stars.ppc").parent_path().string());
         return false;
     }
     return true;
@@ -97,7 +99,8 @@ bool openObjectFiles() {
     if (!openDatabase(s.objects, kObjectType, kCreator, 0, kDataFolder, kObject18kFile) &&
         !openDatabase(s.objects, kObjectType, kCreator, 0, kDataFolder, kObject1kFile)) {
         showMessage("Could not open object database",
-                    "\nPlease install either:\nnocturnel_obj_1k.ppc or,\nnocturnel_obj_18k.ppc");
+                    "\nPlease install either:\nnocturnel_obj_1k.ppc or,\nnocturnel_obj_18k.ppc\nin " +
+                        dataPath(kObject1kFile).parent_path().string());
         return false;
     }
     if (databaseVersion(s.objects) != kObjectFileVersion)

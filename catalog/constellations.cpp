@@ -7,6 +7,7 @@
 
 #include "catalog/catalogues.h"
 #include "catalog/record_file.h"
+#include "settings/program_folder.h"
 #include "settings/message.h"
 
 namespace nocturnel {
@@ -17,7 +18,7 @@ bool readAll(const char* fileName, std::vector<Record>& out) {
     DatabaseSlot slot;
     if (!openDatabase(slot, kConstellationType, kCreator, 0, kDataFolder, fileName) ||
         recordSize(slot) < sizeof(Record)) {
-        showMessage(std::string("Could not find ") + fileName, "");
+        showMessage(std::string("Could not find ") + fileName, "Looked in " + dataPath(fileName).parent_path().string());
         return false;
     }
     const int count = recordCount(slot);

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "catalog/catalogues.h"
+#include "settings/program_folder.h"
 #include "settings/message.h"
 #include "settings/preference_lists.h"
 #include "settings/preferences.h"
@@ -42,7 +43,8 @@ bool loadEyepieces(std::vector<EyepieceRecord>& out) {
     out.clear();
     DatabaseSlot slot;
     if (!openDatabase(slot, kEyepieceType, kCreator, 0, kDataFolder, kEyepieceFile)) {
-        showMessage(std::string("Could not find ") + kEyepieceFile, "");
+        showMessage(std::string("Could not find ") + kEyepieceFile,
+                    "Looked in " + dataPath(kEyepieceFile).parent_path().string());
         return false;
     }
     const uint16_t count = recordCount(slot);

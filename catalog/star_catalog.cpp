@@ -7,6 +7,7 @@
 
 #include "catalog/catalogues.h"
 #include "catalog/record_file.h"
+#include "settings/program_folder.h"
 #include "settings/message.h"
 
 namespace nocturnel {
@@ -111,7 +112,8 @@ BrightStarState& brightStars() {
 
 bool openBrightStarFile(DatabaseSlot& slot) {
     if (openDatabase(slot, kBrightStarType, kCreator, 0, kDataFolder, "nocturnel_brightstar.ppc")) return true;
-    showMessage("Could not find nocturnel_brightstar.ppc catalog.", "");
+    showMessage("Could not find nocturnel_brightstar.ppc catalog.",
+                "Looked in " + dataPath("nocturnel_brightstar.ppc").parent_path().string());
     return false;
 }
 }  // namespace

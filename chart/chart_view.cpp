@@ -115,6 +115,7 @@ void setZoomLevel(ChartView& view, int zoomLevel) {
 }
 
 void setViewCentreHorizontal(ChartView& view, double azDeg, double altDeg) {
+    if (!std::isfinite(azDeg) || !std::isfinite(altDeg)) return;  // no place to centre on: the view stays
     azDeg = std::fmod(azDeg, 360.0);
     if (azDeg < 0) azDeg += 360.0;
     view.centreAzDeg = azDeg;
@@ -123,6 +124,7 @@ void setViewCentreHorizontal(ChartView& view, double azDeg, double altDeg) {
 }
 
 void setViewCentreEquatorial(ChartView& view, double raHours, double decDeg) {
+    if (!std::isfinite(raHours) || !std::isfinite(decDeg)) return;
     double sinAlt = 0, azRad = 0;
     hourAngleToHorizontal(view, (view.lstHours - raHours) * kHoursToRad, decDeg * kDegToRad, sinAlt, azRad);
     setViewCentreHorizontal(view, azRad * kRadToDeg, std::asin(std::clamp(sinAlt, -1.0, 1.0)) * kRadToDeg);
@@ -142,6 +144,7 @@ void setDefaultViewCentre(ChartView& view) {
 }
 
 bool projectStar(const ChartView& view, double lstHours, double raHours, double decDeg, int32_t& u, int32_t& v) {
+    if (!std::isfinite(lstHours) || !std::isfinite(raHours) || !std::isfinite(decDeg)) return false;
     double hourAngle = lstHours - raHours;
     while (hourAngle > 12) hourAngle -= 24;
     while (hourAngle < -12) hourAngle += 24;

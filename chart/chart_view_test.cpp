@@ -243,3 +243,27 @@ TEST(ChartViewInput, FarOffScreenPointsDoNotOverflow) {
 
 }  // namespace
 }  // namespace nocturnel
+
+namespace nocturnel {
+namespace {
+// A centre that is not a number (nan, infinity) leaves the view where it was: no fixed-point
+// mapping is computed from it.
+TEST(ChartViewCentre, NonFiniteCentresLeaveTheViewUnchanged) {
+    const double bad[] = {std::nan(""), INFINITY, -INFINITY};
+    for (double b : bad) {
+        ChartView view = makeChartView(400, 400, 0, 48.1);
+        setViewCentreHorizontal(view, 120, 30);
+        const double az = view.centreAzDeg, alt = view.centreAltDeg;
+        setViewCentreHorizontal(view, b, 10);
+        setViewCentreHorizontal(view, 10, b);
+        setViewCentreEquatorial(view, b, 10);
+        setViewCentreEquatorial(view, 5, b);
+        EXPECT_EQ(view.centreAzDeg, az);
+        EXPECT_EQ(view.centreAltDeg, alt);
+        int32_t u = 0, v = 0;
+        EXPECT_FALSE(projectStar(view, b, 5, 10, u, v));
+        EXPECT_FALSE(projectStar(view, 5, b, 10, u, v));
+    }
+}
+}  // namespace
+}  // namespace nocturnel

@@ -28,7 +28,79 @@ struct NumberRule {
     long low, high;
 };
 
+// Unsigned degrees as typed: "111.6", "111:36:00", "111°36'00", "111 36 00", "111d36m00s".
+std::optional<double> readUnsignedDegrees(std::string_view text) {
+    double fields[3] = {0, 0, 0};
+    int count = 0;
+    std::size_t i = 0;
+    const auto skipBlanks = [&] {
+        while (i < text.size() && text[i] == ' ') ++i;
+    };
+    skipBlanks();
+    while (i < text.size()) {
+        if (count == 3) return std::nullopt;
+        const std::size_t start = i;
+        std::size_t digits = 0;
+        bool fraction = false;
+        while (i < text.size() && ((text[i] >= '0' && text[i] <= '9') || (text[i] == '.' && !fraction))) {
+            if (text[i] == '.') fraction = true;
+            else ++digits;
+            ++i;
+        }
+        if (digits == 0 || digits > 12) return std::nullopt;
+        fields[count++] = std::strtod(std::string(text.substr(start, i - start)).c_str(), nullptr);
+        skipBlanks();
+        if (i >= text.size()) break;
+        if (fraction) return std::nullopt;  // only the last field carries decimals
+        const unsigned char c = static_cast<unsigned char>(text[i]);
+        if (c == 0xC2 && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) == 0xB0) {
+            i += 2;
+        } else if (c == ':' || c == 0xB0 || c == '\'' || c == '"' || c == 'd' || c == 'm' || c == 's') {
+            ++i;
+        } else if (!(c >= '0' && c <= '9')) {
+            return std::nullopt;
+        }
+        skipBlanks();
+    }
+    if (count == 0 || (count >= 2 && fields[1] >= 60) || (count == 3 && fields[2] >= 60)) return std::nullopt;
+    return fields[0] + fields[1] / 60.0 + fields[2] / 3600.0;
+}
+
+// A signed position text with its hemisphere letters: `positive` counts +, `negative` counts -.
+std::optional<double> readPositionText(std::string_view text, char positive, char negative, double limit) {
+    while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+    while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+    const auto letterSign = [&](char c) -> int {
+        const char upper = (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c;
+        return upper == positive ? 1 : upper == negative ? -1 : 0;
+    };
+    int letter = 0;
+    if (!text.empty() && (letter = letterSign(text.back())) != 0) text.remove_suffix(1);
+    else if (!text.empty() && (letter = letterSign(text.front())) != 0) text.remove_prefix(1);
+    while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+    int sign = 0;
+    if (!text.empty() && (text.front() == '-' || text.front() == '+')) {
+        sign = text.front() == '-' ? -1 : 1;
+        text.remove_prefix(1);
+    }
+    if (sign != 0 && letter != 0) return std::nullopt;  // "-111.6W": which way was meant?
+    const std::optional<double> magnitude = readUnsignedDegrees(text);
+    if (!magnitude || *magnitude > limit) return std::nullopt;
+    return (letter != 0 ? letter : sign < 0 ? -1 : 1) * *magnitude;
+}
+
 }  // namespace
+
+std::optional<double> readLatitudeText(std::string_view text) { return readPositionText(text, 'N', 'S', 90.0); }
+std::optional<double> readLongitudeText(std::string_view text) { return readPositionText(text, 'W', 'E', 180.0); }
+
+std::string latitudeFieldText(double lat, const DegreesTextFn& degreesText) {
+    return cut(degreesText(std::fabs(lat)) + (lat >= 0 ? " N" : " S"), kLocationPositionChars);
+}
+
+std::string longitudeFieldText(double lon, const DegreesTextFn& degreesText) {
+    return cut(degreesText(std::fabs(lon)) + (lon >= 0 ? " W" : " E"), kLocationPositionChars);
+}
 
 bool readIntegerField(std::string_view text, std::size_t maxChars, long& value) {
     if (text.empty() || text.size() > maxChars) return false;
@@ -51,9 +123,8 @@ bool readIntegerField(std::string_view text, std::size_t maxChars, long& value) 
 LocationPageFields showLocationPage(const Preferences& p, const DegreesTextFn& degreesText, int memory) {
     LocationPageFields f;
     f.name = fixedText(p.siteName, sizeof p.siteName);
-    const double lat = p.latitudeDeg, lon = p.longitudeDeg;
-    f.latitude = cut(degreesText(std::fabs(lat)) + (lat >= 0 ? " N" : " S"), kLocationPositionChars);
-    f.longitude = cut(degreesText(std::fabs(lon)) + (lon >= 0 ? " W" : " E"), kLocationPositionChars);
+    f.latitude = f.latitudeShown = latitudeFieldText(p.latitudeDeg, degreesText);
+    f.longitude = f.longitudeShown = longitudeFieldText(p.longitudeDeg, degreesText);
     f.height = std::to_string(p.altitudeM);
     f.utcOffset = std::to_string(p.utcOffsetMin - (p.dstFlag ? 60 : 0));
     f.temperature = std::to_string(p.temperatureC);
@@ -101,10 +172,38 @@ bool acceptLocationPage(Preferences& p, LocationPageFields& f) {
         const long stored = *targets[i] - (rule.field == &LocationPageFields::utcOffset ? dstMinutes : 0);
         text = std::to_string(stored);
     }
+    // The position: read back only what the user changed (the shown text is rounded).
+    double latitude = p.latitudeDeg, longitude = p.longitudeDeg;
+    if (f.latitude != f.latitudeShown) {
+        if (const auto lat = readLatitudeText(f.latitude)) {
+            latitude = *lat;
+        } else {
+            if (allValid) showMessage("Latitude must be between 90 S and 90 N", "The value was not stored.");
+            allValid = false;
+            f.latitude = f.latitudeShown;
+        }
+    }
+    if (f.longitude != f.longitudeShown) {
+        if (const auto lon = readLongitudeText(f.longitude)) {
+            longitude = *lon;
+        } else {
+            if (allValid)
+                showMessage("Longitude must be between 180 E and 180 W (a bare number counts positive west)",
+                            "The value was not stored.");
+            allValid = false;
+            f.longitude = f.longitudeShown;
+        }
+    }
+    if (latitude != p.latitudeDeg || longitude != p.longitudeDeg)
+        setSitePosition(p, latitude, longitude, p.utcOffsetMin);
     copyFixedText(p.siteName, f.name.c_str(), kLocationNameChars - 1);
     if (f.skyQuality >= 0 && f.skyQuality <= 4) p.skyQuality = static_cast<int16_t>(f.skyQuality);
     if (!allValid) return false;
     return storeSiteMemory(p, f.memory);
+}
+
+bool siteMemoryIsEmpty(const SiteMemory& m) {
+    return m.name[0] == '\0' && m.latitudeDeg == 0.0f && m.longitudeDeg == 0.0f && m.altitudeM == 0;
 }
 
 bool storeSiteMemory(Preferences& p, int memory) {
@@ -129,6 +228,10 @@ bool recallSiteMemory(Preferences& p, int memory) {
         return false;
     }
     const SiteMemory& m = p.siteMemory[memory];
+    if (siteMemoryIsEmpty(m)) {
+        showMessagef("Store a site into it first; the current site is unchanged.", "Site%d is empty", memory + 1);
+        return false;
+    }
     copyFixedText(p.siteName, m.name, 10);
     setSitePosition(p, m.latitudeDeg, m.longitudeDeg, m.utcOffsetMin);
     p.dstFlag = m.dstFlag;

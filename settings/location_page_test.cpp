@@ -186,3 +186,63 @@ TEST(LocationList, ChoosingAPlace) {
 
 }  // namespace
 }  // namespace nocturnel
+
+namespace nocturnel {
+namespace {
+TEST(LocationPage, PositionTextsWithTheirHemisphere) {
+    struct Case { const char* text; bool latitude; double value; bool ok; };
+    const Case cases[] = {
+        {"111.6W", false, 111.6, true},        {"111.6e", false, -111.6, true},     {"E 2.35", false, -2.35, true},
+        {"111:36:00 W", false, 111.6, true},   {"111\xB0" "36'00 W", false, 111.6, true},
+        {"111\xC2\xB0" "36'00 E", false, -111.6, true}, {"-111.6", false, -111.6, true}, {"111.6", false, 111.6, true},
+        {"-111.6W", false, 0, false},          {"180.5W", false, 0, false},         {"111.6N", false, 0, false},
+        {"31.96N", true, 31.96, true},         {"33:52:08 S", true, -(33 + 52 / 60.0 + 8 / 3600.0), true},
+        {"91N", true, 0, false},               {"", true, 0, false},                {"nan", true, 0, false},
+        {"12:60:00 N", true, 0, false},        {"1.5:30 N", true, 0, false},
+    };
+    for (const Case& c : cases) {
+        const auto v = c.latitude ? readLatitudeText(c.text) : readLongitudeText(c.text);
+        ASSERT_EQ(v.has_value(), c.ok) << c.text;
+        if (c.ok) {
+            EXPECT_NEAR(*v, c.value, 1e-9) << c.text;
+        }
+    }
+}
+
+TEST(LocationPage, AcceptReadsTheChangedPositionWithItsHemisphere) {
+    Preferences p = paris();
+    LocationPageFields f = showLocationPage(p, decimalDegrees);
+    f.longitude = "111.6W";
+    f.latitude = "31:57:36 N";
+    MessageCapture capture;
+    ASSERT_TRUE(acceptLocationPage(p, f));
+    EXPECT_NEAR(p.longitudeDeg, 111.6, 1e-5);
+    EXPECT_NEAR(p.latitudeDeg, 31.96, 1e-5);
+    EXPECT_NEAR(p.sinLatitude, std::sin(31.96 * M_PI / 180), 1e-6);
+
+    // An unreadable longitude is not stored, its field shows the stored value again.
+    f = showLocationPage(p, decimalDegrees);
+    f.longitude = "-111.6W";
+    EXPECT_FALSE(acceptLocationPage(p, f));
+    EXPECT_NEAR(p.longitudeDeg, 111.6, 1e-5);
+    EXPECT_EQ(f.longitude, f.longitudeShown);
+    EXPECT_FALSE(capture.messages().empty());
+
+    // The page's own (rounded) texts, untouched, leave the position as it is.
+    setSitePosition(p, 31.958765, 111.598765, p.utcOffsetMin);
+    f = showLocationPage(p, decimalDegrees);
+    ASSERT_TRUE(acceptLocationPage(p, f));
+    EXPECT_NEAR(p.longitudeDeg, 111.598765, 1e-5);
+}
+
+TEST(SiteMemories, RecallOfAnEmptyMemoryIsRefused) {
+    Preferences p = paris();
+    const Preferences before = p;
+    MessageCapture capture;
+    EXPECT_FALSE(recallSiteMemory(p, 1));
+    EXPECT_EQ(capture.lastTitle(), "Site2 is empty");
+    EXPECT_EQ(std::string(p.siteName), "Paris");
+    EXPECT_EQ(p.latitudeDeg, before.latitudeDeg);
+}
+}  // namespace
+}  // namespace nocturnel

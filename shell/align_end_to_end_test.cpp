@@ -185,5 +185,70 @@ TEST(AlignEndToEnd, EncoderMountOffLevelReadsAThirdStarAfterTwoStarAlignment) {
     fs::remove_all(home);
 }
 
+// An equatorial fork with a BBox: the RA axis turns with the hour angle (its zero 50 degrees
+// off the meridian), the Dec axis reads the declination. The drive and port come on the command
+// line, as they do for `scope`; the saved preferences name another drive and no port.
+TEST(AlignEndToEnd, EquatorialBBoxGivenByDriveAndPortOptions) {
+    const fs::path home = fs::temp_directory_path() / ("nocturnel_align_eq_" + std::to_string(::getpid()));
+    fs::remove_all(home);
+    fs::create_directories(home / "data");
+    writeDefaultStars(home / "data");
+    ::setenv("NOCTURNEL_SERIAL_SETTLE_MS", "0", 1);
+    closeCatalogues();
+    clearAlignmentState();
+    encoderResetState();
+
+    setProgramFolder(home);
+    Preferences saved = defaultPreferences();  // LX200, equatorial, no port
+    saved.encoderAzSteps = saved.encoderAltSteps = kResolution;
+    prefs() = saved;
+    ASSERT_TRUE(savePreferences(prefs()));
+
+    auto box = std::make_shared<EncoderBoxSimulation>();
+    PtyMount mount(makeEncoderResponder(3, box));
+    ASSERT_TRUE(mount.isReady());
+    auto pointAt = [&](const Star& s, const ObservingMoment& m) {
+        const double lst = localSiderealTime(m.year, m.month, m.day, m.hour, m.minute, m.second, 1.8, 60);
+        const double raAxis = std::fmod((s.raHours - lst) * 15.0 + 50.0 + 720.0, 360.0);
+        std::lock_guard<std::mutex> lock(box->mutex);
+        box->azCount = std::lround(raAxis * kResolution / 360.0) % kResolution;
+        box->altCount = (std::lround(s.decDeg * kResolution / 360.0) + kResolution) % kResolution;
+    };
+
+    const ObservingMoment alignedAt{2026, 11, 21, 19, 30, 0};
+    CentringInput input([&](int star) { pointAt(star == 0 ? kVega : kDeneb, alignedAt); });
+    std::streambuf* keyboard = std::cin.rdbuf(&input);
+    CliRun aligned = runCommandLine({"--home", home.string(), "--date", "2026-11-21", "--time", "19:30:00", "align",
+                                     "--from-scope", "Vega", "Deneb", "--drive", "BBox", "--port", mount.devicePath()});
+    std::cin.rdbuf(keyboard);
+    ASSERT_EQ(aligned.exit, 0) << aligned.titles() << aligned.out;
+
+    const ObservingMoment later{2026, 11, 21, 20, 0, 0};
+    pointAt(kAltair, later);
+    CliRun r = runCommandLine({"--home", home.string(), "--json", "--date", "2026-11-21", "--time", "20:00:00",
+                               "scope", "--drive", "BBox", "--port", mount.devicePath(), "read"});
+    EXPECT_EQ(r.exit, 0) << r.titles();
+    const auto j = r.json();
+    ASSERT_TRUE(j.contains("ra") && j.contains("dec")) << r.out;
+    EXPECT_LT(separationDeg(j["ra"].get<double>(), j["dec"].get<double>(), kAltair.raHours, kAltair.decDeg),
+              2 * 360.0 / kResolution)
+        << r.out;
+
+    // The alignment is saved with the drive it was made with: a matrix of a BBox means nothing
+    // to another drive.
+    Preferences after{};
+    ASSERT_EQ(loadPreferences(after), PreferencesLoad::Loaded);
+    EXPECT_EQ(after.scopeDrive, 3);
+    EXPECT_EQ(after.hasSavedAlignment, 1);
+
+    ::unsetenv("NOCTURNEL_SERIAL_SETTLE_MS");
+    clearAlignmentState();
+    clearMountMapping();
+    closeCatalogues();
+    setHoldOpen(0);
+    serialClose();
+    fs::remove_all(home);
+}
+
 }  // namespace
 }  // namespace nocturnel

@@ -11,6 +11,7 @@
 #include "settings/message.h"
 #include "shell/app.h"
 #include "shell/command_line.h"
+#include "shell/json_output.h"
 
 namespace nocturnel {
 
@@ -19,6 +20,7 @@ struct CliRun {
     std::string out;
     std::vector<Message> messages;
     nlohmann::json json() const { return nlohmann::json::parse(out); }
+
     bool shown(const std::string& title) const {
         for (const Message& m : messages)
             if (m.title == title) return true;
@@ -40,6 +42,8 @@ inline CliRun runCommandLine(std::vector<std::string> args) {
     std::string answer;
     addGlobalOptions(app, answer);
     registerAllCommands(app);
+    const bool json = jsonRequested(args);
+    const std::vector<std::string> words = args;
     args.insert(args.begin(), "nocturnel");
     std::vector<char*> argv;
     for (std::string& a : args) argv.push_back(a.data());
@@ -52,9 +56,10 @@ inline CliRun runCommandLine(std::vector<std::string> args) {
             app.parse(static_cast<int>(argv.size()), argv.data());
             result.exit = exitCode();
         } catch (const CLI::ParseError& e) {
-            result.exit = e.get_exit_code() == 0 ? 0 : 2;
+            result.exit = e.get_exit_code() == 0 ? 0 : reportCommandLineError(app, e, words);
         }
         result.messages = capture.messages();
+        if (json) printJsonError(result.exit, result.messages);  // as main() does
     }
     std::cout.rdbuf(previous);
     result.out = out.str();

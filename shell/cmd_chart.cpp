@@ -17,6 +17,8 @@
 #include "settings/message.h"
 #include "shell/app.h"
 #include "shell/commands.h"
+#include "shell/option_checks.h"
+#include "shell/target_names.h"
 
 namespace nocturnel {
 namespace {
@@ -27,15 +29,54 @@ struct ChartOptions {
     std::string size = "800x800";
     int mode = 0;
     std::optional<int> rotateDeg;
-    std::optional<double> ra, dec, az, alt;
+    std::string ra, dec, az, alt;  // angle texts, checked before use
+    std::string center;            // --center NAME
     bool night = false;
     std::string at;
 };
 
 bool parsePair(const std::string& text, char separator, int& a, int& b) {
-    char extra = 0;
-    const std::string format = std::string("%d") + separator + "%d%c";
-    return std::sscanf(text.c_str(), format.c_str(), &a, &b, &extra) == 2;
+    const std::size_t split = text.find(separator);
+    if (split == std::string::npos) return false;
+    const auto digitsOnly = [](std::string_view t) {
+        if (t.empty() || t.size() > 9) return false;
+        for (std::size_t i = 0; i < t.size(); ++i)
+            if (!(t[i] >= '0' && t[i] <= '9') && !(i == 0 && t[i] == '-' && t.size() > 1)) return false;
+        return true;
+    };
+    const std::string first = text.substr(0, split), second = text.substr(split + 1);
+    if (!digitsOnly(first) || !digitsOnly(second)) return false;
+    a = std::stoi(first);
+    b = std::stoi(second);
+    return true;
+}
+
+// The view centre: --center NAME, --ra/--dec (J2000) or --az/--alt, each checked.
+bool readCentre(const ChartOptions& o, ChartRequest& request) {
+    if (!o.center.empty()) {
+        if (!o.ra.empty() || !o.dec.empty() || !o.az.empty() || !o.alt.empty()) {
+            showMessage("Give one view centre", "Either --center NAME, --ra/--dec or --az/--alt.");
+            return false;
+        }
+        ResolvedTarget target;
+        if (!resolveTarget(o.center, target)) return false;
+        request.centreRaHours = target.raHours;
+        request.centreDecDeg = target.decDeg;
+        return true;
+    }
+    if (!o.az.empty()) {
+        const auto az = checkedAngle(o.az, 0.0, 360.0, "azimuth");
+        const auto alt = az ? checkedAngle(o.alt, -90.0, 90.0, "altitude") : std::nullopt;
+        if (!alt) return false;
+        request.centreAzDeg = *az;
+        request.centreAltDeg = *alt;
+    } else if (!o.ra.empty()) {
+        ResolvedTarget place;
+        if (!resolveTargetOrPlace("", o.ra, o.dec, place)) return false;
+        request.centreRaHours = place.raHours;
+        request.centreDecDeg = place.decDeg;
+    }
+    return true;
 }
 
 // Opens what the chart draws: the default stars are required, the rest is drawn when present.
@@ -55,7 +96,7 @@ void runChart(const ChartOptions& o) {
     ChartRequest request;
     int width = 0, height = 0;
     if (!parsePair(o.size, 'x', width, height) || width < 16 || height < 16 || width > 8192 || height > 8192) {
-        std::cerr << "--size wants WxH with each side 16..8192\n";
+        showMessage("Invalid --size \"" + o.size + "\"", "Give WxH in pixels, each side from 16 to 8192, for example 800x600.");
         setExitCode(1);
         return;
     }
@@ -65,12 +106,9 @@ void runChart(const ChartOptions& o) {
     request.projectionMode = o.mode;
     request.rotationDeg = o.rotateDeg;
     request.moment = prefs().moment;
-    if (o.az && o.alt) {
-        request.centreAzDeg = o.az;
-        request.centreAltDeg = o.alt;
-    } else if (o.ra && o.dec) {
-        request.centreRaHours = o.ra;
-        request.centreDecDeg = o.dec;
+    if (!readCentre(o, request)) {
+        setExitCode(1);
+        return;
     }
     if (o.night) prefs().nightMode = 1;
     const bool json = globalOptions().json;
@@ -78,7 +116,7 @@ void runChart(const ChartOptions& o) {
     if (!o.at.empty()) {
         int x = 0, y = 0;
         if (!parsePair(o.at, ',', x, y)) {
-            std::cerr << "--at wants X,Y in pixels\n";
+            showMessage("Invalid --at \"" + o.at + "\"", "Give X,Y in pixels of the chart, for example 400,300.");
             setExitCode(1);
             return;
         }
@@ -141,10 +179,13 @@ void registerChartCommand(CLI::App& app) {
     cmd->add_option("--rotate", options->rotateDeg,
                     "Azimuth shown at the top of a mode 0 chart, degrees (default: facing the centre, or south)")
         ->check(CLI::Range(-360, 360));
-    auto* ra = cmd->add_option("--ra", options->ra, "View centre right ascension, hours (J2000)")->check(CLI::Range(0.0, 24.0));
-    auto* dec = cmd->add_option("--dec", options->dec, "View centre declination, degrees (J2000)")->check(CLI::Range(-90.0, 90.0));
-    auto* az = cmd->add_option("--az", options->az, "View centre azimuth, degrees from north through east")->check(CLI::Range(0.0, 360.0));
-    auto* alt = cmd->add_option("--alt", options->alt, "View centre altitude, degrees")->check(CLI::Range(-90.0, 90.0));
+    auto* center = cmd->add_option("--center", options->center, "View centre on a named object: Vega, M 42, NGC 1976");
+    auto* ra = cmd->add_option("--ra", options->ra, "View centre right ascension, hours (J2000): 5.588 or 5:35:17");
+    auto* dec = cmd->add_option("--dec", options->dec, "View centre declination, degrees (J2000): -5.39 or -5:23:28");
+    auto* az = cmd->add_option("--az", options->az, "View centre azimuth, degrees from north through east (0..360)");
+    auto* alt = cmd->add_option("--alt", options->alt, "View centre altitude, degrees (-90..90)");
+    center->excludes(ra);
+    center->excludes(az);
     ra->needs(dec);
     dec->needs(ra);
     az->needs(alt);

@@ -91,7 +91,10 @@ TEST_F(FoundationCommands, BadDateOrTimeFails) {
         EXPECT_EQ(r.exit, 1) << c.value;
         ASSERT_EQ(r.messages.size(), 1u) << c.value;
         EXPECT_EQ(r.messages[0].title, c.title);
-        EXPECT_TRUE(r.out.empty()) << c.value;
+        // With --json the failure is the JSON error on standard output, and nothing else.
+        const auto j = r.json();
+        EXPECT_EQ(j["error"]["caption"], "Information") << c.value;
+        EXPECT_EQ(j["error"]["title"], c.title) << c.value;
     }
 }
 
@@ -179,7 +182,16 @@ TEST_F(FoundationCommands, PrefsSetShowAndReset) {
     EXPECT_EQ(j["labels"]["scopeDrive"], "Takahashi");
     EXPECT_NEAR(j["deltaTSeconds"].get<double>(), 69.5, 1e-5);
     EXPECT_NEAR(j["latitudeDeg"].get<double>(), 48.1, 1e-5);
-    ASSERT_EQ(run({"prefs", "reset"}).exit, 0);
+    {
+        QuestionAnswerer no(false);  // a reset declined changes nothing
+        r = run({"prefs", "reset"});
+        EXPECT_EQ(r.exit, 1);
+        EXPECT_EQ(run({"prefs", "show", "--json"}).json()["scopeDrive"], 14);
+    }
+    QuestionAnswerer yes(true);
+    r = run({"prefs", "reset"});
+    ASSERT_EQ(r.exit, 0);
+    EXPECT_NE(r.out.find("Preferences reset to their defaults"), std::string::npos) << r.out;
     j = run({"prefs", "show", "--json"}).json();
     EXPECT_EQ(j["scopeDrive"], 5);
     EXPECT_NEAR(j["deltaTSeconds"].get<double>(), 65.4, 1e-5);

@@ -20,6 +20,7 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "align/alignment.h"
 #include "core/angle_text.h"
@@ -32,7 +33,11 @@
 #include "settings/preferences.h"
 #include "shell/app.h"
 #include "shell/commands.h"
+#include "shell/drive_options.h"
+#include "shell/option_checks.h"
 #include "shell/scope_clock.h"
+#include "shell/simulator_console.h"
+#include "shell/target_names.h"
 
 namespace nocturnel {
 
@@ -70,6 +75,8 @@ struct ScopeOptions {
     bool trace = false;
     bool simulated = false;
     std::string ra, dec;
+    std::string target;                    // goto / sync --object NAME
+    std::vector<std::string> targetWords;  // goto / sync NAME (one or more words)
     int rate = -1;
     std::string direction;
     double seconds = 0;
@@ -125,25 +132,7 @@ bool prepare(const ScopeOptions& o) {
     if (!startUp()) return false;
     if (const char* settle = std::getenv("NOCTURNEL_SERIAL_SETTLE_MS"))
         setSerialSettleMillisecondsForTests(std::atoi(settle));
-    if (!o.drive.empty()) {
-        const int code = driveCodeFromName(o.drive);
-        if (code < 0) {
-            showMessage("Unknown scope drive", o.drive);
-            return false;
-        }
-        prefs().scopeDrive = code;
-    }
-    if (!o.port.empty()) {
-        if (o.port.size() >= sizeof prefs().scopeDevice) {  // the record keeps 63 characters
-            showMessage("Can't open serial port", o.port);
-            return false;
-        }
-        std::strncpy(prefs().scopeDevice, o.port.c_str(), sizeof prefs().scopeDevice - 1);
-        prefs().scopeDevice[sizeof prefs().scopeDevice - 1] = '\0';
-        rebuildPortNameList();
-        const int index = portIndexOf(o.port);
-        prefs().scopePort = index < 0 ? 0 : index;
-    }
+    if (!applyDriveOptions(o.drive, o.port)) return false;
     // A saved two-star alignment is offered again, so that aligned drives read and point
     // through it in every run.
     offerAlignmentRestore();
@@ -196,12 +185,6 @@ bool slewingAvailable() {
     return false;
 }
 
-std::optional<double> angleOption(const std::string& text, const char* what) {
-    auto value = parseAngleText(text);
-    if (!value) showMessage(std::string("Bad ") + what, text);
-    return value;
-}
-
 // Stops one direction. The Takahashi stop of one direction ("M@") reports 0 whatever
 // happened, as the mount's program always did: its result says nothing, so it is not a failure.
 bool stopMove(int direction) {
@@ -238,10 +221,11 @@ void runRead(const ScopeOptions& o) {
 
 void runGotoOrSync(const ScopeOptions& o, bool isGoto) {
     if (!prepare(o)) return fail();
-    auto ra = angleOption(o.ra, "right ascension");
-    auto dec = angleOption(o.dec, "declination");
-    if (!ra || !dec) return fail();
-    const int ok = isGoto ? scopeGotoEquatorial(*ra, *dec) : scopeSyncEquatorial(*ra, *dec);
+    ResolvedTarget target;
+    const std::string name = o.target.empty() ? joinedName(o.targetWords) : o.target;
+    if (!resolveTargetOrPlace(name, o.ra, o.dec, target)) return fail();
+    const int ok = isGoto ? scopeGotoEquatorial(target.raHours, target.decDeg)
+                          : scopeSyncEquatorial(target.raHours, target.decDeg);
     if (!ok) {
         if (isGoto) showMessage("Goto failed");
         return fail();
@@ -322,13 +306,16 @@ void runSimulate(const ScopeOptions& o) {
     SimulatorOptions options;
     options.highPrecision = o.precision != "low";
     if (!o.ra.empty() || !o.dec.empty()) {
-        auto ra = angleOption(o.ra.empty() ? "0" : o.ra, "right ascension");
-        auto dec = angleOption(o.dec.empty() ? "0" : o.dec, "declination");
+        auto ra = checkedRightAscension(o.ra.empty() ? "0" : o.ra);
+        auto dec = checkedDeclination(o.dec.empty() ? "0" : o.dec);
         if (!ra || !dec) return fail();
         options.raHours = *ra;
         options.decDeg = *dec;
     }
-    PtyMount::Responder responder = makeMountSimulator(code, options);
+    std::shared_ptr<EncoderBoxSimulation> box;  // an encoder box is pushed from standard input
+    PtyMount::Responder responder = driveFamily(code) == DriveFamily::EncoderBox
+                                        ? makeEncoderSimulatorWithState(code, options, box)
+                                        : makeMountSimulator(code, options);
     if (!responder) {
         showMessage("No simulator for this scope drive",
                     driveListName(code).empty() ? std::to_string(code) : std::string(driveListName(code)));
@@ -347,11 +334,20 @@ void runSimulate(const ScopeOptions& o) {
                   << " read   (Ctrl-C stops the simulator)" << std::endl;
     }
     InterruptGuard guard;
+    SimulatorConsole console(box);
     const bool forever = o.seconds <= 0;
     const auto end = std::chrono::steady_clock::now() +
                      std::chrono::milliseconds(forever ? 0 : static_cast<long long>(o.seconds * 1000));
     while (!interrupted && (forever || std::chrono::steady_clock::now() < end))
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
+}
+
+// goto / sync: NAME, --object NAME, or --ra H --dec D.
+void addTargetOptions(CLI::App* command, ScopeOptions& o) {
+    auto* name = command->add_option("name", o.targetWords, "Object name: Vega, M 42, NGC 1976 (or --ra/--dec)");
+    command->add_option("--object", o.target, "Object name, as NAME")->excludes(name);
+    command->add_option("--ra", o.ra, "Right ascension, hours (J2000): 5.5 or 05:30:00");
+    command->add_option("--dec", o.dec, "Declination, degrees (J2000): -5.4 or -05:24:00");
 }
 
 }  // namespace
@@ -361,22 +357,19 @@ void registerScopeCommand(CLI::App& app) {
     CLI::App* scope = app.add_subcommand("scope", "Drive the telescope: connect, read, goto, sync, move, track");
     scope->require_subcommand(1);
     scope->fallthrough();
-    scope->add_option("--drive", o->drive, "Drive for this run: a list name (\"LX200\") or its code");
-    scope->add_option("--port", o->port, "Serial device for this run (e.g. /dev/ttyUSB0 or a /dev/pts/N)");
+    addDriveOptions(scope, o->drive, o->port);
     scope->add_flag("--trace", o->trace, "Show every command and reply");
     scope->add_flag("--simulated", o->simulated, "Let the built-in simulated telescope answer (LX200, encoders)");
 
     scope->add_subcommand("connect", "Connect to the drive and disconnect")->callback([o] { runConnect(*o); });
     scope->add_subcommand("read", "Read the position once")->callback([o] { runRead(*o); });
 
-    CLI::App* go = scope->add_subcommand("goto", "Send the telescope to a J2000 position");
-    go->add_option("--ra", o->ra, "Right ascension, hours (J2000): 5.5 or 05:30:00")->required();
-    go->add_option("--dec", o->dec, "Declination, degrees (J2000): -5.4 or -05:24:00")->required();
+    CLI::App* go = scope->add_subcommand("goto", "Send the telescope to a named object or a J2000 position");
+    addTargetOptions(go, *o);
     go->callback([o] { runGotoOrSync(*o, true); });
 
-    CLI::App* sync = scope->add_subcommand("sync", "Tell the mount it points at a J2000 position");
-    sync->add_option("--ra", o->ra, "Right ascension, hours (J2000)")->required();
-    sync->add_option("--dec", o->dec, "Declination, degrees (J2000)")->required();
+    CLI::App* sync = scope->add_subcommand("sync", "Tell the mount it points at a named object or a J2000 position");
+    addTargetOptions(sync, *o);
     sync->callback([o] { runGotoOrSync(*o, false); });
 
     CLI::App* rate = scope->add_subcommand("rate", "Slew rate: 0 slew, 1 find, 2 centre, 3 guide");
@@ -386,7 +379,7 @@ void registerScopeCommand(CLI::App& app) {
     CLI::App* move = scope->add_subcommand("move", "Start moving north, south, east or west");
     move->add_option("direction", o->direction, "n, s, e or w")->required();
     move->add_option("--rate", o->rate, "Set this rate first (0..3)")->check(CLI::Range(0, 3));
-    move->add_option("--seconds", o->seconds, "Stop again after this many seconds");
+    move->add_option("--seconds", o->seconds, "Stop again after this many seconds")->check(finiteRange(0, 3600));
     move->callback([o] { runMove(*o); });
 
     CLI::App* stop = scope->add_subcommand("stop", "Stop one direction, or everything");
@@ -394,7 +387,7 @@ void registerScopeCommand(CLI::App& app) {
     stop->callback([o] { runStop(*o); });
 
     CLI::App* track = scope->add_subcommand("track", "Print the position once a second until interrupted");
-    track->add_option("--count", o->count, "Stop after this many reads");
+    track->add_option("--count", o->count, "Stop after this many reads")->check(finiteRange(0, 1e9));
     track->callback([o] { runTrack(*o); });
 
     CLI::App* simulate = scope->add_subcommand("simulate", "Run a simulated mount on a pseudo-terminal");
@@ -402,7 +395,8 @@ void registerScopeCommand(CLI::App& app) {
         ->check(CLI::IsMember({"high", "low"}));
     simulate->add_option("--ra", o->ra, "Starting right ascension, hours");
     simulate->add_option("--dec", o->dec, "Starting declination, degrees");
-    simulate->add_option("--seconds", o->seconds, "Stop after this many seconds (default: until interrupted)");
+    simulate->add_option("--seconds", o->seconds, "Stop after this many seconds (default: until interrupted)")
+        ->check(finiteRange(0, 1e7));
     simulate->callback([o] { runSimulate(*o); });
 }
 

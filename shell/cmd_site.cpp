@@ -1,6 +1,7 @@
 // nocturnel site set|store|recall|show: the current observing site and the three memories.
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -14,6 +15,7 @@
 #include "settings/text_encoding.h"
 #include "shell/app.h"
 #include "shell/commands.h"
+#include "shell/json_output.h"
 
 namespace nocturnel {
 namespace {
@@ -29,20 +31,26 @@ std::string siteNameOf(const char* text, std::size_t size) {
     return std::string(text, n);
 }
 
+// The record's angles are floats: format the decimal value the float holds (111.6, not
+// 111.599998), so that the text does not fall a minute short.
+std::string shownDegrees(double deg) { return degreesText(jsonNumber(static_cast<float>(deg))); }
+
 void printSite(const Preferences& p) {
     if (globalOptions().json) {
         nlohmann::json memories = nlohmann::json::array();
         for (const SiteMemory& m : p.siteMemory)
             memories.push_back({{"name", toUtf8(siteNameOf(m.name, sizeof m.name))},
-                                {"latitudeDeg", m.latitudeDeg},
-                                {"longitudeDeg", m.longitudeDeg},
+                                {"empty", siteMemoryIsEmpty(m)},
+                                {"latitudeDeg", jsonNumber(m.latitudeDeg)},
+                                {"longitudeDeg", jsonNumber(m.longitudeDeg)},
                                 {"utcOffsetMin", m.utcOffsetMin},
                                 {"dstFlag", m.dstFlag},
                                 {"altitudeM", m.altitudeM},
                                 {"skyQuality", m.skyQuality}});
         const nlohmann::json out = {{"name", toUtf8(siteNameOf(p.siteName, sizeof p.siteName))},
-                                    {"latitudeDeg", p.latitudeDeg},
-                                    {"longitudeDeg", p.longitudeDeg},
+                                    {"latitudeDeg", jsonNumber(p.latitudeDeg)},
+                                    {"longitudeDeg", jsonNumber(p.longitudeDeg)},
+                                    {"longitudeSense", "positive west"},
                                     {"utcOffsetMin", p.utcOffsetMin},
                                     {"dstFlag", p.dstFlag},
                                     {"altitudeM", p.altitudeM},
@@ -50,31 +58,48 @@ void printSite(const Preferences& p) {
         std::cout << out.dump(2) << "\n";
         return;
     }
-    const LocationPageFields page = showLocationPage(p, [](double deg) { return degreesText(deg); });
+    const LocationPageFields page = showLocationPage(p, shownDegrees);
     std::cout << "Location:  " << toUtf8(page.name) << "\n"
               << "Latitude:  " << toUtf8(page.latitude) << "\n"
-              << "Longitude: " << toUtf8(page.longitude) << "\n"
+              << "Longitude: " << toUtf8(page.longitude) << "   (stored positive west: "
+              << jsonNumber(p.longitudeDeg) << ")\n"
               << "Height:    " << page.height << " m\n"
               << "GMT (mn):  " << page.utcOffset << (page.daylightSaving ? " + 60 daylight saving" : "") << "\n";
     for (int i = 0; i < kSiteMemoryCount; ++i) {
         const SiteMemory& m = p.siteMemory[i];
+        if (siteMemoryIsEmpty(m)) {
+            std::cout << "Site" << i + 1 << ":     (empty)\n";
+            continue;
+        }
         char line[160];
-        std::snprintf(line, sizeof line, "Site%d:     \"%s\" lat %.4f lon %.4f W, UT%+d min, %d m", i + 1,
-                      siteNameOf(m.name, sizeof m.name).c_str(), m.latitudeDeg, m.longitudeDeg, m.utcOffsetMin,
-                      m.altitudeM);
+        std::snprintf(line, sizeof line, "Site%d:     \"%s\" %s %s, UT%+d min, %d m", i + 1,
+                      siteNameOf(m.name, sizeof m.name).c_str(), latitudeFieldText(m.latitudeDeg, shownDegrees).c_str(),
+                      longitudeFieldText(m.longitudeDeg, shownDegrees).c_str(), m.utcOffsetMin, m.altitudeM);
         std::cout << toUtf8(line) << "\n";
     }
 }
 
-std::optional<double> readAngle(const std::string& text, double limit, const char* what) {
-    const auto v = parseAngleText(text);
-    if (!v || std::fabs(*v) > limit) {
-        char range[64];
-        std::snprintf(range, sizeof range, "The %s must be between %g and %g degrees.", what, -limit, limit);
-        showMessage("Invalid " + std::string(what) + " \"" + text + "\"", range);
-        return std::nullopt;
-    }
+std::optional<double> readLatitude(const std::string& text) {
+    const auto v = readLatitudeText(text);
+    if (!v)
+        showMessage("Invalid latitude \"" + text + "\"",
+                    "Give degrees from 90 S to 90 N: 31.96N, 31:57:30 N, or a bare number positive north.");
     return v;
+}
+
+std::optional<double> readLongitude(const std::string& text) {
+    const auto v = readLongitudeText(text);
+    if (!v)
+        showMessage("Invalid longitude \"" + text + "\"",
+                    "Give degrees from 180 E to 180 W: 111.6W, 111:36:00 W, 2.35E, or a bare number positive WEST.");
+    return v;
+}
+
+// The site of a fresh record, never set by the user.
+bool isDefaultSite(const Preferences& p) {
+    const Preferences fresh = defaultPreferences();
+    return std::strncmp(p.siteName, fresh.siteName, sizeof p.siteName) == 0 && p.latitudeDeg == fresh.latitudeDeg &&
+           p.longitudeDeg == fresh.longitudeDeg;
 }
 
 void runSet(const SiteArguments& a) {
@@ -82,8 +107,8 @@ void runSet(const SiteArguments& a) {
         setExitCode(1);
         return;
     }
-    const auto lat = readAngle(a.latitude, 90.0, "latitude");
-    const auto lon = lat ? readAngle(a.longitude, 180.0, "longitude") : std::nullopt;
+    const auto lat = readLatitude(a.latitude);
+    const auto lon = lat ? readLongitude(a.longitude) : std::nullopt;
     if (!lat || !lon) {
         setExitCode(1);
         return;
@@ -121,8 +146,15 @@ void runMemory(const SiteArguments& a, bool store) {
         setExitCode(1);
         return;
     }
+    // The untouched default site ("None", 48.1 N 1.8 W) never replaces a stored site.
+    const int index = a.memory - 1;
     const bool saved = updatePrefsForCommand([&](Preferences& p) {
-        return store ? storeSiteMemory(p, a.memory - 1) : recallSiteMemory(p, a.memory - 1);
+        if (store && index >= 0 && index < kSiteMemoryCount && isDefaultSite(p) && !siteMemoryIsEmpty(p.siteMemory[index])) {
+            showMessagef("Set the site first (site set); Site" + std::to_string(a.memory) + " is unchanged.",
+                         "The current site is the default site");
+            return false;
+        }
+        return store ? storeSiteMemory(p, index) : recallSiteMemory(p, index);
     });
     if (!saved) return;
     printSite(prefs());
@@ -144,8 +176,11 @@ void registerSiteCommand(CLI::App& app) {
     auto args = std::make_shared<SiteArguments>();
 
     CLI::App* set = site->add_subcommand("set", "Set the current site (longitude positive WEST, as stored)");
-    set->add_option("--lat", args->latitude, "Latitude, degrees north (decimal or 48:06:00)")->required();
-    set->add_option("--lon", args->longitude, "Longitude, degrees WEST positive (decimal or 1:48:00)")->required();
+    set->add_option("--lat", args->latitude, "Latitude: 31.96N, 31:57:30 S, or a bare number positive north")
+        ->required();
+    set->add_option("--lon", args->longitude,
+                    "Longitude: 111.6W, 2.35E, 111:36:00 W; a bare number counts positive WEST (-2.35 is 2.35E)")
+        ->required();
     set->add_option("--utc-offset", args->utcOffset, "Local = UT + offset, minutes, daylight saving included")
         ->required();
     set->add_option("--name", args->name, "Site name (at most 11 characters)");
@@ -156,7 +191,7 @@ void registerSiteCommand(CLI::App& app) {
     store->add_option("N", args->memory, "Memory 1, 2 or 3")->required();
     store->callback([args] { runMemory(*args, true); });
 
-    CLI::App* recall = site->add_subcommand("recall", "Make memory N (1..3) the current site");
+    CLI::App* recall = site->add_subcommand("recall", "Make memory N (1..3) the current site (an empty memory is refused)");
     recall->add_option("N", args->memory, "Memory 1, 2 or 3")->required();
     recall->callback([args] { runMemory(*args, false); });
 

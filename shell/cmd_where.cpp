@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/angle_text.h"
 #include "core/apparent_place.h"
@@ -14,14 +15,17 @@
 #include "settings/preferences.h"
 #include "shell/app.h"
 #include "shell/commands.h"
+#include "shell/option_checks.h"
+#include "shell/target_names.h"
 
 namespace nocturnel {
 namespace {
 
 struct PlaceOptions {
+    std::vector<std::string> name;  // one or more words: where M 42
     std::string ra;
     std::string dec;
-    std::optional<int> level;
+    std::string level;
 };
 
 const char* levelName(int level) {
@@ -35,27 +39,16 @@ const char* levelName(int level) {
         case 3:
             return "Topo + Refract";
         default:
-            return level < 0 ? "Catalogue place" : "Topocentric";
+            return "Catalogue place";
     }
 }
 
-// Reads --ra (hours 0..24) and --dec (degrees -90..90), decimal or sexagesimal.
-bool readPlace(const PlaceOptions& options, double* raHours, double* decDeg) {
-    const std::optional<double> ra = parseAngleText(options.ra);
-    if (!ra || !std::isfinite(*ra) || *ra < 0.0 || *ra > 24.0) {
-        showMessage("Invalid right ascension \"" + options.ra + "\"",
-                    "Give hours from 0 to 24, for example 5.919 or 5:55:10.");
-        return false;
-    }
-    const std::optional<double> dec = parseAngleText(options.dec);
-    if (!dec || !std::isfinite(*dec) || *dec < -90.0 || *dec > 90.0) {
-        showMessage("Invalid declination \"" + options.dec + "\"",
-                    "Give degrees from -90 to 90, for example -16.7 or -16:42:58.");
-        return false;
-    }
-    *raHours = *ra;
-    *decDeg = *dec;
-    return true;
+// --level: -1 (no correction) to 3, else the preferences' Correction.
+std::optional<int> readLevel(const PlaceOptions& options) {
+    if (options.level.empty()) return pointingLevelFromPreferences();
+    const auto level = checkedInteger(options.level, -1, 3, "--level");
+    if (!level) return std::nullopt;
+    return static_cast<int>(*level);
 }
 
 void runWhere(const PlaceOptions& options) {
@@ -63,27 +56,30 @@ void runWhere(const PlaceOptions& options) {
         setExitCode(1);
         return;
     }
-    double ra2000 = 0.0, dec2000 = 0.0;
-    if (!readPlace(options, &ra2000, &dec2000)) {
+    ResolvedTarget target;
+    const std::optional<int> level = readLevel(options);
+    if (!level || !resolveTargetOrPlace(joinedName(options.name), options.ra, options.dec, target)) {
         setExitCode(1);
         return;
     }
-    const int level = options.level.value_or(pointingLevelFromPreferences());
+    const double ra2000 = target.raHours, dec2000 = target.decDeg;
     double alt = 0.0, az = 0.0, ra = 0.0, dec = 0.0;
-    if (equatorialToHorizontal(ra2000, dec2000, level, prefs().moment, &alt, &az, &ra, &dec) != 0) {
+    if (equatorialToHorizontal(ra2000, dec2000, *level, prefs().moment, &alt, &az, &ra, &dec) != 0) {
         setExitCode(1);  // the reduction has shown its message
         return;
     }
     if (globalOptions().json) {
-        const nlohmann::json out = {{"alt", alt}, {"az", az}, {"ra", ra}, {"dec", dec}, {"level", level}};
+        const nlohmann::json out = {{"name", toUtf8(target.name)}, {"alt", alt}, {"az", az},
+                                    {"ra", ra},                     {"dec", dec}, {"level", *level}};
         std::cout << out.dump(2) << "\n";
         return;
     }
+    if (!options.name.empty()) std::cout << "Object:    " << toUtf8(target.name) << "\n";
     std::cout << "Altitude:  " << toUtf8(degreesText(alt)) << "\n"
               << "Azimuth:   " << toUtf8(degreesText(az)) << "\n"
               << "RA used:   " << toUtf8(hoursText(ra)) << "\n"
               << "Dec used:  " << toUtf8(degreesText(dec)) << "\n"
-              << "Level:     " << level << " (" << levelName(level) << ")\n";
+              << "Level:     " << *level << " (" << levelName(*level) << ")\n";
 }
 
 void runMean(const PlaceOptions& options) {
@@ -91,14 +87,15 @@ void runMean(const PlaceOptions& options) {
         setExitCode(1);
         return;
     }
-    double raUsed = 0.0, decUsed = 0.0;
-    if (!readPlace(options, &raUsed, &decUsed)) {
+    const std::optional<int> level = readLevel(options);
+    const auto raUsed = level ? checkedRightAscension(options.ra) : std::nullopt;
+    const auto decUsed = raUsed ? checkedDeclination(options.dec) : std::nullopt;
+    if (!decUsed) {
         setExitCode(1);
         return;
     }
-    const int level = options.level.value_or(pointingLevelFromPreferences());
     double ra = 0.0, dec = 0.0;
-    const int result = meanPlaceFromPlaceUsed(raUsed, decUsed, level, prefs().moment, &ra, &dec);
+    const int result = meanPlaceFromPlaceUsed(*raUsed, *decUsed, *level, prefs().moment, &ra, &dec);
     if (result == 1)
         showMessage("The mean place did not converge", "No J2000 place found within 20 iterations.");
     if (result != 0) {
@@ -114,12 +111,16 @@ void runMean(const PlaceOptions& options) {
               << "Dec (J2000): " << toUtf8(degreesText(dec)) << "\n";
 }
 
-void addPlaceOptions(CLI::App* command, PlaceOptions& options) {
-    command->add_option("--ra", options.ra, "Right ascension, hours (5.919 or 5:55:10)")->required();
-    command->add_option("--dec", options.dec, "Declination, degrees (7.4 or 7:24:25)")->required();
-    command->add_option("--level", options.level,
-                        "Correction level: <0 none, 0 geocentric, 1 geocentric + refraction, "
-                        "2 topocentric, 3 topocentric + refraction (default: the preferences' Correction)");
+const char* kLevelHelp =
+    "Correction level 0..3: 0 geocentric, 1 geocentric + refraction, 2 topocentric, 3 topocentric + refraction; "
+    "-1 none (default: the preferences' Correction)";
+
+void addPlaceOptions(CLI::App* command, PlaceOptions& options, bool named) {
+    command->add_option("--ra", options.ra, named ? "Right ascension, hours (J2000): 5.588 or 5:35:17"
+                                                  : "Right ascension, hours: 5.588 or 5:35:17")
+        ->required(!named);
+    command->add_option("--dec", options.dec, "Declination, degrees: -5.39 or -5:23:28")->required(!named);
+    command->add_option("--level", options.level, kLevelHelp);
 }
 
 }  // namespace
@@ -127,14 +128,16 @@ void addPlaceOptions(CLI::App* command, PlaceOptions& options) {
 void registerWhereCommands(CLI::App& app) {
     auto whereOptions = std::make_shared<PlaceOptions>();
     CLI::App* where = app.add_subcommand(
-        "where", "Altitude, azimuth and the RA/Dec used for a J2000 place, at the saved site and the moment");
-    addPlaceOptions(where, *whereOptions);
+        "where", "Altitude, azimuth and the RA/Dec used for a named object or a J2000 place, at the saved site and "
+                 "the moment");
+    where->add_option("name", whereOptions->name, "Object name: Vega, M 42, NGC 1976, HIP 27989 (or give --ra/--dec)");
+    addPlaceOptions(where, *whereOptions, true);
     where->callback([whereOptions] { runWhere(*whereOptions); });
 
     auto meanOptions = std::make_shared<PlaceOptions>();
     CLI::App* mean = app.add_subcommand(
         "mean", "The J2000 place whose place used (as `where` prints it) is the given RA/Dec");
-    addPlaceOptions(mean, *meanOptions);
+    addPlaceOptions(mean, *meanOptions, false);
     mean->callback([meanOptions] { runMean(*meanOptions); });
 }
 

@@ -4,11 +4,13 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <string>
+#include <vector>
 
 #include "core/angle_text.h"
 #include "settings/message.h"
 #include "shell/app.h"
 #include "shell/command_line.h"
+#include "shell/json_output.h"
 
 namespace {
 // Questions of the program ("Would you want to restore your last alignment?") are asked on the
@@ -36,14 +38,25 @@ int main(int argc, char** argv) {
     addGlobalOptions(app, answer);
     registerAllCommands(app);
 
-    // Messages are 8-bit texts (the degree sign is Latin-1); the terminal reads UTF-8.
-    setMessageSink([](const Message& m) { printMessageToStderr(Message{toUtf8(m.title), toUtf8(m.detail)}); });
+    // Messages are 8-bit texts (the degree sign is Latin-1); the terminal reads UTF-8. They are
+    // kept too: with --json a failed run prints them as a JSON error on standard output.
+    const std::vector<std::string> words(argv + 1, argv + argc);
+    const bool json = jsonRequested(words);
+    std::vector<Message> shown;
+    setMessageSink([&shown](const Message& m) {
+        shown.push_back(m);
+        printMessageToStderr(Message{toUtf8(m.title), toUtf8(m.detail)});
+    });
     setQuestionSink([&answer](std::string_view question) { return askOnTerminal(question, answer); });
 
+    int code = 0;
     try {
         app.parse(argc, argv);
+        code = exitCode();
     } catch (const CLI::ParseError& e) {
-        return app.exit(e);
+        if (e.get_exit_code() == 0) return app.exit(e);  // --help, --version
+        code = reportCommandLineError(app, e, words);
     }
-    return exitCode();
+    if (json) printJsonError(code, shown);
+    return code;
 }
