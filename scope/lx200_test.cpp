@@ -307,7 +307,7 @@ TEST_F(Lx200Test, TraceShowsEachCommandAndReply) {
                                             "GotoEQ:Ask goto", "SyncEQ:Set ra",  "SyncEQ:Set dec", "SyncEQ:Sync"};
     EXPECT_EQ(titles, expected);
     EXPECT_EQ(messages_.messages()[0].detail, ":GD#");
-    EXPECT_EQ(messages_.messages()[1].detail, lx200DecReply(0, true));
+    EXPECT_EQ(messages_.messages()[1].detail, "+00\\xDF00:00#");  // the degree byte as an escape
     EXPECT_EQ(messages_.messages()[2].detail, "#:GR#");
 }
 
