@@ -94,7 +94,8 @@ std::string Lx200MountModel::respond(std::string& pending) {
         if (colon == std::string::npos) continue;  // an empty command ("#") or noise
         std::string command = segment.substr(colon + 1);
         state_.commands.push_back(command);
-        if (!state_.silent) replies += answer(command);
+        std::string reply = answer(command);  // a silent mount still obeys, it only never answers
+        if (!state_.silent) replies += reply;
     }
     if (pending.size() > kMaxPendingBytes) pending.clear();
     return replies;

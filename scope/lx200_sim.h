@@ -45,7 +45,7 @@ struct Lx200MountState {
     double utcOffsetHours = 0;
     double latitudeDeg = 45.0;
     double longitudeWestDeg = 0.0;  // Meade counts longitude positive west
-    bool silent = false;            // answers nothing at all
+    bool silent = false;            // obeys every command but answers nothing
     std::vector<std::string> commands;  // every command understood, without ':' and '#'
 };
 

@@ -106,7 +106,7 @@ int nexstarConnect(int driveCode) {
         traceMessage("Nexstar open", "");
         return 1;
     }
-    showMessage("Fail to open Nexstar connection");
+    showMessage("Fail to open Nexstar connection", serialLastReadTimedOut() ? kMountDidNotAnswerInTime : "");
     serialClose();
     return 0;
 }

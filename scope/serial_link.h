@@ -42,6 +42,8 @@ bool isShowingTrace();
 // Whether the last serialRead stopped at its time-out before the bytes asked for came (the
 // mount did not answer in time), as opposed to a full reply or a line error.
 bool serialLastReadTimedOut();
+// The detail line of a failure whose reply did not come within the link's time-outs.
+inline constexpr std::string_view kMountDidNotAnswerInTime = "The mount did not answer in time.";
 
 // Test seam: the settle time after opening, 3500 ms unless a test shortens it.
 void setSerialSettleMillisecondsForTests(int milliseconds);

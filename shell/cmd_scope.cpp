@@ -20,16 +20,19 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <unistd.h>
 
 #include "align/alignment.h"
 #include "core/angle_text.h"
 #include "scope/drive_types.h"
+#include "scope/mount_questions.h"
 #include "scope/mount_simulators.h"
 #include "scope/pty_mount.h"
 #include "scope/scope_interface.h"
 #include "scope/serial_link.h"
 #include "settings/message.h"
 #include "settings/preferences.h"
+#include "settings/preferences_file.h"
 #include "shell/app.h"
 #include "shell/commands.h"
 #include "shell/scope_clock.h"
@@ -75,6 +78,7 @@ struct ScopeOptions {
     double seconds = 0;
     int count = 0;
     std::string precision = "high";
+    bool force = false;
 };
 
 void fail() { setExitCode(1); }
@@ -84,7 +88,7 @@ class MessageCounter {
 public:
     MessageCounter() {
         previous_ = setMessageSink([this](const Message& m) {
-            ++count_;
+            if (!isShowingTrace()) ++count_;  // trace output is not a failure
             if (previous_) previous_(m);
         });
     }
@@ -120,9 +124,28 @@ std::optional<int> directionCode(const std::string& text) {
     return std::nullopt;
 }
 
+// Set from the global --answer option when the command line gave one.
+std::optional<bool>& scriptedAnswer() {
+    static std::optional<bool> answer;
+    return answer;
+}
+
+// A question whose answer moves the mount (the Takahashi zenith question) is asked on a
+// terminal or answered by an explicit --answer; otherwise nobody answers it and the mount is
+// left as it is, with a word on standard error.
+void installMountQuestionSink() {
+    setMountQuestionSink([](std::string_view question) -> std::optional<bool> {
+        if (scriptedAnswer() || isatty(STDIN_FILENO)) return askYesNo(question);
+        std::cerr << toUtf8(question) << "\n  Not answered (no terminal): the mount is left as it is. "
+                  << "Run with --answer yes or --answer no to answer it." << std::endl;
+        return std::nullopt;
+    });
+}
+
 // Start-up, then this run's overrides of the link settings. False (message shown) on failure.
 bool prepare(const ScopeOptions& o) {
     if (!startUp()) return false;
+    installMountQuestionSink();
     if (const char* settle = std::getenv("NOCTURNEL_SERIAL_SETTLE_MS"))
         setSerialSettleMillisecondsForTests(std::atoi(settle));
     if (!o.drive.empty()) {
@@ -154,6 +177,20 @@ bool prepare(const ScopeOptions& o) {
     return true;
 }
 
+// Writes the NexStar offsets of this run into the saved preferences, and nothing else: the
+// --drive and --port of this run stay unsaved.
+bool saveNexStarOffsets() {
+    Preferences saved;
+    applyStartDefaults(saved);
+    loadPreferences(saved);
+    validatePreferences(saved);
+    saved.nexstarRaOffsetHours = prefs().nexstarRaOffsetHours;
+    saved.nexstarDecOffsetDeg = prefs().nexstarDecOffsetDeg;
+    if (savePreferences(saved)) return true;
+    showMessage("Can't save the NexStar offsets", "They hold for this command only.");
+    return false;
+}
+
 bool hasDisconnect(int code) {
     const DriveFamily family = driveFamily(code);
     return family != DriveFamily::None && family != DriveFamily::PowerFlex && family != DriveFamily::Dynastar &&
@@ -167,12 +204,13 @@ bool readsAltAz(int code) {
 void printPosition(double first, double second, bool altAz) {
     if (globalOptions().json) {
         nlohmann::json j = altAz ? nlohmann::json{{"az", first}, {"alt", second}}
-                                 : nlohmann::json{{"ra", first}, {"dec", second}};
+                                 : nlohmann::json{{"ra", first}, {"dec", second}, {"frame", kScopePositionFrame}};
         std::cout << j.dump() << std::endl;
     } else if (altAz) {
         std::cout << "Az: " << utf8(degreesText(first)) << "  Alt: " << utf8(degreesText(second)) << std::endl;
     } else {
-        std::cout << "Ra: " << utf8(hoursText(first)) << "  Dec: " << utf8(degreesText(second)) << std::endl;
+        std::cout << "Ra: " << utf8(hoursText(first)) << "  Dec: " << utf8(degreesText(second)) << "  ("
+                  << kScopePositionFrame << ")" << std::endl;
     }
 }
 
@@ -241,19 +279,32 @@ void runGotoOrSync(const ScopeOptions& o, bool isGoto) {
     auto ra = angleOption(o.ra, "right ascension");
     auto dec = angleOption(o.dec, "declination");
     if (!ra || !dec) return fail();
+    if (isGoto && !o.force && scopeDriveSlews()) {
+        double altDeg = 0;
+        if (!scopeTargetAltitude(*ra, *dec, altDeg)) return fail();
+        if (altDeg < 0) {
+            showMessage("This object is below the horizon", "Alt " + degreesText(altDeg) + ": use --force to send the GoTo anyway.");
+            return fail();
+        }
+    }
     const int ok = isGoto ? scopeGotoEquatorial(*ra, *dec) : scopeSyncEquatorial(*ra, *dec);
     if (!ok) {
         if (isGoto) showMessage("Goto failed");
         return fail();
     }
+    // The NexStar offsets are preferences: keep them for the next command.
+    if (!isGoto && driveFamily(prefs().scopeDrive) == DriveFamily::NexStar && !saveNexStarOffsets()) return fail();
     const ScopeTarget& t = lastScopeTarget();
+    const std::string meaning = scopeAnswerText(isGoto);
     if (globalOptions().json) {
-        printDone(isGoto ? "goto" : "sync", {{"ra", t.raHours}, {"dec", t.decDeg}, {"az", t.azDeg}, {"alt", t.altDeg},
-                                             {"answer", t.driveAnswer}});
+        printDone(isGoto ? "goto" : "sync", {{"ra", t.raHours}, {"dec", t.decDeg}, {"frame", kScopePositionFrame},
+                                             {"az", t.azDeg}, {"alt", t.altDeg}, {"answer", t.driveAnswer},
+                                             {"result", meaning}});
     } else {
         std::cout << (isGoto ? "Goto" : "Sync") << " Ra: " << utf8(hoursText(t.raHours))
-                  << "  Dec: " << utf8(degreesText(t.decDeg)) << "  (Az: " << utf8(degreesText(t.azDeg))
-                  << "  Alt: " << utf8(degreesText(t.altDeg)) << ")  answer: " << t.driveAnswer << std::endl;
+                  << "  Dec: " << utf8(degreesText(t.decDeg)) << " (" << kScopePositionFrame
+                  << ")  (Az: " << utf8(degreesText(t.azDeg)) << "  Alt: " << utf8(degreesText(t.altDeg)) << "): "
+                  << meaning << std::endl;
     }
 }
 
@@ -358,6 +409,7 @@ void runSimulate(const ScopeOptions& o) {
 
 void registerScopeCommand(CLI::App& app) {
     auto o = std::make_shared<ScopeOptions>();
+    scriptedAnswer().reset();
     CLI::App* scope = app.add_subcommand("scope", "Drive the telescope: connect, read, goto, sync, move, track");
     scope->require_subcommand(1);
     scope->fallthrough();
@@ -369,7 +421,13 @@ void registerScopeCommand(CLI::App& app) {
     scope->add_subcommand("connect", "Connect to the drive and disconnect")->callback([o] { runConnect(*o); });
     scope->add_subcommand("read", "Read the position once")->callback([o] { runRead(*o); });
 
+    if (CLI::Option* answer = app.get_option_no_throw("--answer")) {
+        // Known once the whole line is parsed, before any subcommand's callback runs.
+        answer->each([](const std::string& value) { scriptedAnswer() = value == "yes"; });
+    }
+
     CLI::App* go = scope->add_subcommand("goto", "Send the telescope to a J2000 position");
+    go->add_flag("--force", o->force, "Send the GoTo even when the object is below the horizon");
     go->add_option("--ra", o->ra, "Right ascension, hours (J2000): 5.5 or 05:30:00")->required();
     go->add_option("--dec", o->dec, "Declination, degrees (J2000): -5.4 or -05:24:00")->required();
     go->callback([o] { runGotoOrSync(*o, true); });
