@@ -1,5 +1,6 @@
 #include "scope/lx200_sim.h"
 
+#include "scope/drive_types.h"
 #include "scope/lx200_format.h"
 
 #include <algorithm>
@@ -32,6 +33,19 @@ std::string printed(const char* format, auto... values) {
     char text[64];
     std::snprintf(text, sizeof text, format, values...);
     return text;
+}
+
+// The values a Gemini answers to its native queries, by identifier; 0 for the others.
+std::string geminiNativeValue(int id) {
+    switch (id) {
+        case 27: return "6400#";    // PEC steps
+        case 120: return "800#";    // manual slewing speed
+        case 140: return "800#";    // goto slewing speed
+        case 150: return "0.5#";    // guiding speed
+        case 170: return "10#";     // centering speed
+        case 502: return "0.5#";    // PEC guiding speed
+        default: return "0#";
+    }
 }
 
 // A held direction key turns the mount for the time since the last look, at the rate's speed.
@@ -90,6 +104,13 @@ std::string Lx200MountModel::respond(std::string& pending) {
     for (std::size_t end = pending.find('#'); end != std::string::npos; end = pending.find('#')) {
         std::string segment = pending.substr(0, end);
         pending.erase(0, end + 1);
+        segment.erase(std::remove(segment.begin(), segment.end(), '\0'), segment.end());
+        if (const std::size_t native = segment.find_first_of("<>"); native != std::string::npos) {
+            // Gemini's native commands: "<ID:c#" asks a value, ">ID:value c#" sets one.
+            state_.commands.push_back(segment.substr(native));
+            if (!state_.silent && segment[native] == '<') replies += geminiNativeValue(std::atoi(segment.c_str() + native + 1));
+            continue;
+        }
         std::size_t colon = segment.find(':');
         if (colon == std::string::npos) continue;  // an empty command ("#") or noise
         std::string command = segment.substr(colon + 1);
@@ -139,7 +160,9 @@ std::string Lx200MountModel::answer(const std::string& command) {
     if (is("GVF")) return s.product + " simulator#";
     if (is("GW")) return "PT1#";  // polar, tracking, one star aligned
     if (is("D")) return "#";      // no distance bars: not slewing
-    if (is("Gm")) return "E#";
+    if (is("Gm")) return "E#";  // Gemini: side of pier
+    if (is("Gv")) return "T";   // Gemini: tracking (not slewing)
+    if (is("h?")) return "0";   // Gemini: not parked
     if (c.starts_with("SC")) {
         int month = 0, day = 0, year = 0;
         if (std::sscanf(std::string(argumentOf(c)).c_str(), "%d/%d/%d", &month, &day, &year) != 3) return "0";
@@ -223,11 +246,20 @@ PtyMount::Responder makeLx200Responder(std::shared_ptr<Lx200MountModel> model) {
 }
 
 PtyMount::Responder makeLx200Responder(bool highPrecision, double raHours, double decDeg) {
-    Lx200MountState initial;
-    initial.highPrecision = highPrecision;
-    initial.raHours = initial.targetRaHours = raHours;
-    initial.decDeg = initial.targetDecDeg = decDeg;
-    return makeLx200Responder(std::make_shared<Lx200MountModel>(std::move(initial)));
+    return makeLx200Responder(std::make_shared<Lx200MountModel>(lx200MountForDrive(kDriveLx200, highPrecision, raHours, decDeg)));
+}
+
+Lx200MountState lx200MountForDrive(int driveCode, bool highPrecision, double raHours, double decDeg) {
+    Lx200MountState mount;
+    mount.highPrecision = highPrecision;
+    mount.raHours = mount.targetRaHours = raHours;
+    mount.decDeg = mount.targetDecDeg = decDeg;
+    if (driveCode == kDriveAutoStar) mount.product = "Autostar";
+    if (driveCode == kDriveLosmandy) {
+        mount.product = "Losmandy Gemini";
+        mount.ackReply = "G#";
+    }
+    return mount;
 }
 
 }  // namespace nocturnel

@@ -37,7 +37,9 @@ struct Lx200MountState {
     int rate = 0;                   // 0 slew .. 3 guide
     int moving = -1;                // direction key held, -1 none
     std::chrono::steady_clock::time_point motionSince{};  // when the motion was last applied
-    char ackReply = 'P';            // answer to the ACK byte: 'A' alt-az, 'P' polar, 'L' land, 'G' Gemini
+    // Answer to the ACK byte: Meade's alignment mode 'A' alt-az, 'P' polar, 'L' land; a Gemini
+    // answers its start-up state, "G#" when ready.
+    std::string ackReply = "P";
     std::string product = "LX200 Classic";
     // The simulated clock: the machine's UT plus these seconds (moved by ":SC"/":SL"), shown
     // in the local time of utcOffsetHours (east positive; ":GG#" answers its negation, as Meade).
@@ -65,5 +67,8 @@ double lx200SimulatedRateDegPerSec(int rate);
 PtyMount::Responder makeLx200Responder(std::shared_ptr<Lx200MountModel> model);
 // A mount at the given place, in high or low precision.
 PtyMount::Responder makeLx200Responder(bool highPrecision = true, double raHours = 0, double decDeg = 0);
+// The hand box of a drive code: "LX200 Classic" answering 'P' to ACK, an "Autostar" for
+// AutoStar, a Losmandy "Gemini" answering "G#" (ready) for Losmandy.
+Lx200MountState lx200MountForDrive(int driveCode, bool highPrecision, double raHours, double decDeg);
 
 }  // namespace nocturnel

@@ -64,6 +64,24 @@ void takeMotion(TakahashiSimulation& sim, const std::string& line) {
 std::string answerLine(TakahashiSimulation& sim, const std::string& line) {
     applyMotion(sim);
     if (line == "v") return sim.versionReply;
+    if (line == "g") {  // the sidereal time the mount keeps, "gHHMMSS"
+        const long seconds = std::lround(std::fmod(std::fabs(sim.lstHours), 24.0) * 3600) % 86400;
+        char text[32];
+        std::snprintf(text, sizeof text, "g%02ld%02ld%02ld\r\n", seconds / 3600, seconds / 60 % 60, seconds % 60);
+        return text;
+    }
+    if (line == "i") {  // the latitude the mount keeps, "isDDMMt" (t: tenths of a minute)
+        const long tenths = std::lround(std::fmin(std::fabs(sim.latitudeDeg), 90.0) * 600);
+        char text[32];
+        std::snprintf(text, sizeof text, "i%c%02ld%02ld%01ld\r\n", sim.latitudeDeg < 0 ? '-' : '+', tenths / 600,
+                      tenths / 10 % 60, tenths % 10);
+        return text;
+    }
+    if (line == "STN-COD") return sim.motorsOn ? "stn-on\r\n" : "stn-off\r\n";
+    if (line == "STN-ON" || line == "STN-OFF") {
+        sim.motorsOn = line == "STN-ON";
+        return sim.motorsOn ? "stn-on\r\n" : "stn-off\r\n";
+    }
     if (line == "E") {
         if (sim.positionOverride) return *sim.positionOverride;
         char flag = sim.side;

@@ -1,6 +1,6 @@
 #pragma once
-// A simulated Takahashi mount for a PtyMount: answers the version, position, goto and sync
-// commands, keeps the sidereal time and latitude it is given, goes to the zenith and flips
+// A simulated Takahashi (Temma) mount for a PtyMount: answers the version, position, goto and
+// sync commands, the sidereal time "g", the latitude "i" and the motor state "STN-COD", keeps the sidereal time and latitude it is given, goes to the zenith and flips
 // sides on request (reporting 'F', still moving, for a few polls after each), and stays silent
 // for the commands a mount does not answer. The state is shared with the caller so a test or
 // the command line can look at it and change it; lock `mutex` while doing so.
@@ -41,6 +41,7 @@ struct TakahashiSimulation {
     bool motionFast = false;
     std::chrono::steady_clock::time_point motionSince{};
     bool slewing = false;
+    bool motorsOn = true;   // "STN-ON" / "STN-OFF", asked with "STN-COD"
 };
 
 // A fresh simulation (West side, RA 6h, Dec +45) when none is given.

@@ -401,8 +401,15 @@ void runSimulate(const ScopeOptions& o) {
     const bool forever = o.seconds <= 0;
     const auto end = std::chrono::steady_clock::now() +
                      std::chrono::milliseconds(forever ? 0 : static_cast<long long>(o.seconds * 1000));
-    while (!interrupted && (forever || std::chrono::steady_clock::now() < end))
+    // With --trace, what the mount receives is shown as it comes (escaped, one chunk a line).
+    std::size_t shown = 0;
+    while (!interrupted && (forever || std::chrono::steady_clock::now() < end)) {
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        if (!isTraceOn()) continue;
+        const std::string received = mount.received();
+        if (received.size() > shown) std::cerr << "received: " << traceText(received.substr(shown)) << std::endl;
+        shown = received.size();
+    }
 }
 
 }  // namespace
