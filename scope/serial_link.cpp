@@ -171,7 +171,9 @@ int serialOpen(int portIndex, int baud) {
             return 0;
         }
         s.comm = comm;
-        ::tcflush(s.fd, TCIOFLUSH);  // nothing left over from an earlier session
+        // Nothing left over from an earlier session in the input. The output is kept: the
+        // last command of the previous operation (a sync, a stop) may still be on its way.
+        ::tcflush(s.fd, TCIFLUSH);
     }
 
     int fileFlags = ::fcntl(s.fd, F_GETFL);
