@@ -55,8 +55,12 @@ std::string passThrough(NexStarMountState& s, const NexStarPacket& p) {
         if (speed == 0) *rate = 0;
         return s.ackReply;
     }
-    if (p[3] == 0xFE) return std::string("\x04\x0A", 2) + "#";  // motor firmware version 4.10
-    return std::string(std::min<std::size_t>(p[7], 3), '\0') + "#";
+    std::string data(std::min<std::size_t>(p[7], 8), '\0');  // as many bytes as the packet asks
+    if (p[3] == 0xFE && data.size() >= 2) {                 // device firmware version 4.10
+        data[0] = 4;
+        data[1] = 10;
+    }
+    return data + "#";
 }
 
 }  // namespace
