@@ -2,9 +2,13 @@
 // pty simulators of the mounts for trying them without hardware.
 //
 //   nocturnel scope [--drive NAME|CODE] [--port DEVICE] [--trace] [--simulated] COMMAND
-//     connect | read | goto --ra H --dec D | sync --ra H --dec D | rate 0..3
+//     connect | read | goto [--force] --ra H --dec D | sync --ra H --dec D | rate 0..3
 //     move n|s|e|w [--rate R] [--seconds S] | stop [n|s|e|w] | track [--count N]
 //   nocturnel scope simulate --drive NAME [--precision high|low] [--ra H --dec D]
+//
+// A GoTo below the horizon is refused unless --force. A question whose answer moves the mount
+// (the Takahashi zenith question) is asked on a terminal or answered by the global --answer;
+// otherwise it stays unanswered and the mount is left as it is.
 //
 // --drive and --port override the saved preferences for this run only (they are never
 // saved). Test seam: the environment variable NOCTURNEL_SERIAL_SETTLE_MS shortens the settle
