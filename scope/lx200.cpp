@@ -64,7 +64,7 @@ bool query(std::string_view command, int replyLength, std::string_view sendLabel
            double& value) {
     if (!send(sendLabel, command)) return false;
     std::string reply = receive(receiveLabel, replyLength);
-    if (reply.empty()) return false;
+    if (reply.empty() || !isLx200PositionText(reply)) return false;
     value = parseLx200Value(reply);
     return true;
 }
@@ -136,7 +136,7 @@ int lx200Connect(int driveCode) {
             break;
     }
     if (connected) return 1;
-    showMessage("Fail to open Meade connection");
+    showMessage("Fail to open Meade connection", serialLastReadTimedOut() ? kMountDidNotAnswerInTime : "");
     serialClose();
     return 0;
 }

@@ -94,6 +94,20 @@ bool parseLx200Sexagesimal(std::string_view text, double& value) {
     return true;
 }
 
+bool isLx200PositionText(std::string_view text) {
+    std::size_t pos = 0;
+    if (pos < text.size() && (text[pos] == '+' || text[pos] == '-')) ++pos;
+    if (pos >= text.size() || text[pos] < '0' || text[pos] > '9') return false;
+    for (; pos < text.size(); ++pos) {
+        const char c = text[pos];
+        const bool allowed = (c >= '0' && c <= '9') || c == ':' || c == '.' || c == '*' || c == kLx200DegreeByte ||
+                             c == '\'' || c == ' ';
+        if (c == '#') return pos + 1 == text.size();
+        if (!allowed) return false;
+    }
+    return true;
+}
+
 double parseLx200Value(std::string_view text) {
     double value = 0;
     if (parseLx200Sexagesimal(text, value)) return value;

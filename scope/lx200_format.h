@@ -34,6 +34,10 @@ std::string_view lx200StopCommand(int direction);
 // Reads "sDD*MM:SS#", "HH:MM.T#" and the like: true and the value when the text is
 // sexagesimal. Tenths of a minute become seconds in integer arithmetic (".5" gives 30 s).
 bool parseLx200Sexagesimal(std::string_view text, double& value);
+// Whether a reply looks like a position at all: an optional sign, digits, then only digits,
+// the separators ':', '.', '*', the degree byte, "'" or a space, and the closing '#'. Noise
+// on the line fails this before any parsing.
+bool isLx200PositionText(std::string_view text);
 // A reply as a number: sexagesimal when it is, else a plain decimal number (0 if neither).
 double parseLx200Value(std::string_view text);
 

@@ -271,13 +271,17 @@ TEST_F(Lx200Test, ReadFailsOnSilenceAndSurvivesGarbage) {
     EXPECT_EQ(ra, 7);
     EXPECT_EQ(dec, 8);
 
-    mount_->setResponder([](std::string& pending) {
-        pending.clear();
-        return std::string("\xFF\x01:zz..#");
-    });
-    EXPECT_EQ(lx200ReadRaDec(ra, dec), 1);
-    EXPECT_TRUE(std::isfinite(ra));
-    EXPECT_TRUE(std::isfinite(dec));
+    // Noise on the line is not a position: the read fails and leaves the values alone.
+    for (const std::string& noise : {std::string("\xFF\x01:zz..#"), std::string("abc#"), std::string("12:3x:00#")}) {
+        mount_->setResponder([noise](std::string& pending) {
+            pending.clear();
+            return noise;
+        });
+        EXPECT_EQ(lx200ReadRaDec(ra, dec), 0) << noise;
+        EXPECT_EQ(ra, 7);
+        EXPECT_EQ(dec, 8);
+        serialDiscardInput();
+    }
 }
 
 TEST_F(Lx200Test, VanishedMountFailsTheGotoWithAMessage) {
@@ -307,7 +311,7 @@ TEST_F(Lx200Test, TraceShowsEachCommandAndReply) {
                                             "GotoEQ:Ask goto", "SyncEQ:Set ra",  "SyncEQ:Set dec", "SyncEQ:Sync"};
     EXPECT_EQ(titles, expected);
     EXPECT_EQ(messages_.messages()[0].detail, ":GD#");
-    EXPECT_EQ(messages_.messages()[1].detail, lx200DecReply(0, true));
+    EXPECT_EQ(messages_.messages()[1].detail, "+00\\xDF00:00#");  // the degree byte as an escape
     EXPECT_EQ(messages_.messages()[2].detail, "#:GR#");
 }
 

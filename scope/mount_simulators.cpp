@@ -26,7 +26,9 @@ long encoderCountForAngle(double angleDeg, long resolution, bool isAltitude) {
 
 PtyMount::Responder makeMountSimulator(int driveCode, const SimulatorOptions& options) {
     switch (driveFamily(driveCode)) {
-        case DriveFamily::Lx200: return makeLx200Responder(options.highPrecision, options.raHours, options.decDeg);
+        case DriveFamily::Lx200:
+            return makeLx200Responder(std::make_shared<Lx200MountModel>(
+                lx200MountForDrive(driveCode, options.highPrecision, options.raHours, options.decDeg)));
         case DriveFamily::Magellan:
             // Connected by the date query, a Magellan is never switched to the long formats.
             return makeLx200Responder(false, options.raHours, options.decDeg);

@@ -106,7 +106,7 @@ int nexstarConnect(int driveCode) {
         traceMessage("Nexstar open", "");
         return 1;
     }
-    showMessage("Fail to open Nexstar connection");
+    showMessage("Fail to open Nexstar connection", serialLastReadTimedOut() ? kMountDidNotAnswerInTime : "");
     serialClose();
     return 0;
 }
@@ -182,6 +182,15 @@ int nexstarStopMove(int driveCode, int direction) {
 
 int nexstarStopAll(int driveCode) {
     if (driveCode == kNexStar58) return 1;
+    // Stop all ends every motion the program can start: both axes' hand motions (a goto's
+    // cancel leaves them running), then the goto itself.
+    if (!isUltima(driveCode)) {
+        for (int direction : {0, 2}) {
+            const NexStarPacket stop =
+                driveCode == kNexStarOldGt ? nexstarOldGtStopPacket(direction) : nexstarStopPacket(direction);
+            if (!sendMotionPacket(stop)) return 0;
+        }
+    }
     if (driveCode == kNexStarOldGt) {
         const auto& bytes = kNexStarOldGtStopGoto;
         return send("Send", {reinterpret_cast<const char*>(bytes.data()), bytes.size()});

@@ -277,7 +277,9 @@ TEST_F(NexStarTest, OldGtMovesAndStops) {
     EXPECT_EQ(nexstarStopMove(kNexStarOldGt, 3), 1);
     EXPECT_EQ(nexstarStopAll(kNexStarOldGt), 1);
     ASSERT_TRUE(mount_->waitUntilReceived(std::string("\x05\x19", 2)));
+    // Stop all stops both axes' motion before cancelling the goto.
     EXPECT_EQ(mount_->received(), packetText(nexstarOldGtMovePacket(3, 9)) + packetText(nexstarOldGtStopPacket(3)) +
+                                      packetText(nexstarOldGtStopPacket(0)) + packetText(nexstarOldGtStopPacket(2)) +
                                       std::string("\x05\x19", 2));
     EXPECT_TRUE(messages_.messages().empty());
 
@@ -290,11 +292,14 @@ TEST_F(NexStarTest, CancelGoto) {
     startMount();
     connected(kNexStarGps);
     EXPECT_EQ(nexstarStopAll(kNexStarGps), 1);
-    EXPECT_EQ(mount_->received(), "M");
+    // Both axes' stop packets, then the goto's cancel.
+    EXPECT_EQ(mount_->received(), packetText(nexstarStopPacket(0)) + packetText(nexstarStopPacket(2)) + "M");
     EXPECT_TRUE(messages_.messages().empty());
     model_->update([](NexStarMountState& m) { m.ackReply.clear(); });
     EXPECT_EQ(nexstarStopAll(kNexStarGps), 1);
-    EXPECT_EQ(titles(), std::vector<std::string>{"No acknowledgement from telescope in Stop Goto."});
+    EXPECT_EQ(titles(), (std::vector<std::string>{"No acknowledgement from telescope in StopSlew.",
+                                                  "No acknowledgement from telescope in StopSlew.",
+                                                  "No acknowledgement from telescope in Stop Goto."}));
 }
 
 TEST_F(NexStarTest, LineFaults) {

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cmath>
+#include <cstdio>
 #include <ctime>
 #include <string>
 #include <utility>
@@ -14,6 +15,7 @@
 #include "scope/encoder_box.h"
 #include "scope/lx200.h"
 #include "scope/mount_mapping.h"
+#include "scope/serial_link.h"
 #include "scope/nexstar.h"
 #include "scope/servocat.h"
 #include "scope/siderealtech.h"
@@ -139,6 +141,34 @@ int familyRead(int code, double& first, double& second, bool& altAz) {
         case F::Unknown: break;
     }
     return 0;
+}
+
+// A reading is a position only inside the ranges of its coordinates: RA [0, 24] h, Dec and
+// Alt [-90, 90] degrees, Az [0, 360] degrees. Anything else (a garbled or out-of-range reply)
+// is a failed read.
+bool isPosition(double first, double second, bool altAz) {
+    if (!std::isfinite(first) || !std::isfinite(second)) return false;
+    const double firstLimit = altAz ? 360.0 : 24.0;
+    return first >= 0 && first <= firstLimit && second >= -90 && second <= 90;
+}
+
+// Reads and checks the position; on failure shows the family's message, with the reason as
+// its detail (a mount that did not answer in time, a reply that is not a position).
+int checkedRead(int code, double& first, double& second, bool& altAz) {
+    if (!familyRead(code, first, second, altAz)) {
+        showMessage(readFailureMessage(code), serialLastReadTimedOut() ? kMountDidNotAnswerInTime : "");
+        return 0;
+    }
+    if (!isPosition(first, second, altAz)) {
+        char detail[96];
+        std::snprintf(detail, sizeof detail, altAz ? "Not a position: Az %g, Alt %g" : "Not a position: RA %g h, Dec %g",
+                      first, second);
+        showMessage(readFailureMessage(code), detail);
+        return 0;
+    }
+    if (!altAz && first >= 24.0) first -= 24.0;
+    if (altAz && first >= 360.0) first -= 360.0;
+    return 1;
 }
 
 // Telescope angles of a target: through the alignment mapping when one is set, else the sky
@@ -303,6 +333,38 @@ int slewing(std::string_view unknownMessage, Action action) {
     return result;
 }
 
+// The baud rate of a family's port.
+int familyBaud(int code) {
+    switch (driveFamily(code)) {
+        case F::Takahashi: return kTakahashiBaud;
+        case F::SiderealTech: return kSiderealTechBaud;
+        default: return 9600;
+    }
+}
+
+// A stop must reach the mount even when it no longer answers: when the family's handshake
+// fails, the stop is still written to the port (opened without a handshake), and the result
+// is 0 so that the caller knows the mount did not confirm anything.
+template <typename Action>
+int stopping(Action action) {
+    const int code = prefs().scopeDrive;
+    switch (slewingService(code)) {
+        case SlewingService::Ignored: return 0;
+        case SlewingService::Unknown: return failWith("Unknown scope drive.");
+        case SlewingService::Served: break;
+    }
+    if (familyConnect(code)) {
+        const int result = action(code, driveFamily(code));
+        familyDisconnect(code);
+        return result;
+    }
+    if (!serialOpen(prefs().scopePort, familyBaud(code))) return 0;
+    action(code, driveFamily(code));
+    showMessage("The stop was sent to a mount that did not answer", "Check that the telescope has stopped.");
+    familyDisconnect(code);
+    return 0;
+}
+
 }  // namespace
 
 ObservingMoment scopeNow() {
@@ -379,12 +441,10 @@ int scopeReadPosition(double& raHours, double& decDeg) {
     if (!familyConnect(code)) return 0;
     bool altAz = false;
     double first = 0, second = 0;
-    const int ok = familyRead(code, first, second, altAz);
+    const int ok = checkedRead(code, first, second, altAz);
     if (ok) {
         raHours = first;
         decDeg = second;
-    } else {
-        showMessage(readFailureMessage(code));
     }
     familyDisconnect(code);
     return ok ? 1 : 0;
@@ -409,17 +469,62 @@ int scopeTrackPosition(double& raHours, double& decDeg) {
         // Aligned encoders: the raw axis angles go through the alignment.
         ok = encoderReadAzAlt(code, first, second);
         if (ok) ok = mapping.mountToSky(first, second, jdNow(moment), first, second) ? 1 : 0;
+        if (!ok) showMessage(readFailureMessage(code), serialLastReadTimedOut() ? kMountDidNotAnswerInTime : "");
     } else {
-        ok = familyRead(code, first, second, altAz);
+        ok = checkedRead(code, first, second, altAz);
         if (ok && altAz) horizontalToEquatorial(first, second, lstNow(moment), prefs().latitudeDeg, first, second);
     }
-    if (!ok) {
-        showMessage(readFailureMessage(code));
-        return 0;
-    }
+    if (!ok) return 0;
     raHours = first;
     decDeg = second;
     return 1;
+}
+
+bool scopeTargetAltitude(double raJ2000Hours, double decJ2000Deg, double& altDeg) {
+    ScopeTarget target;
+    if (!pointingTarget(raJ2000Hours, decJ2000Deg, target)) return false;
+    altDeg = target.altDeg;
+    return true;
+}
+
+bool scopeDriveSlews() {
+    switch (driveFamily(prefs().scopeDrive)) {
+        case F::Lx200:
+        case F::NexStar:
+        case F::ServoCat:
+        case F::Takahashi:
+        case F::SiderealTech:
+        case F::SkyCommander: return true;
+        default: return false;
+    }
+}
+
+std::string scopeAnswerText(bool isGoto) {
+    const int code = prefs().scopeDrive;
+    const F family = driveFamily(code);
+    if (isGoto) {
+        switch (family) {
+            case F::None:
+            case F::Magellan:
+            case F::EncoderBox: return "target shown: move the telescope there by hand";
+            case F::Lx200: return "the mount is slewing";
+            case F::NexStar:
+                return code == kDriveNexstar58 ? "sent (this hand control does not confirm a GoTo)"
+                                               : "accepted: the mount is slewing";
+            case F::ServoCat: return "sent (ServoCat does not confirm a GoTo)";
+            default: return "accepted: the mount is slewing";
+        }
+    }
+    switch (family) {
+        case F::NexStar: {
+            char text[128];
+            std::snprintf(text, sizeof text, "offsets set: RA %+.4f h, Dec %+.4f deg",
+                          prefs().nexstarRaOffsetHours, prefs().nexstarDecOffsetDeg);
+            return text;
+        }
+        case F::EncoderBox: return "encoder offsets set";
+        default: return "the mount now reads the synced position";
+    }
 }
 
 int scopeGotoEquatorial(double raJ2000Hours, double decJ2000Deg) {
@@ -455,7 +560,7 @@ int scopeStartMove(int direction) {
 }
 
 int scopeStopMove(int direction) {
-    return slewing("Unknown scope drive.", [direction](int code, F family) {
+    return stopping([direction](int code, F family) {
         switch (family) {
             case F::Lx200: return lx200StopMove(direction);
             case F::NexStar: return nexstarStopMove(code, direction);
@@ -467,7 +572,7 @@ int scopeStopMove(int direction) {
 }
 
 int scopeStopAll() {
-    return slewing("Unknown scope drive.", [](int code, F family) {
+    return stopping([](int code, F family) {
         switch (family) {
             case F::Lx200: return lx200StopAll();
             case F::NexStar: return nexstarStopAll(code);

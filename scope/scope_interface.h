@@ -41,6 +41,20 @@ int scopeStartMove(int direction);
 int scopeStopMove(int direction);
 int scopeStopAll();
 
+// The altitude (degrees) of a J2000 target now, in the pointing frame of the preferences;
+// false when the place could not be computed (message shown). A GoTo is checked with it first.
+bool scopeTargetAltitude(double raJ2000Hours, double decJ2000Deg, double& altDeg);
+// Whether the selected drive slews to a GoTo (rather than showing where the target is).
+bool scopeDriveSlews();
+
+// What the drive's answer to the last GoTo or Sync means, in words ("slewing", "synced",
+// "the offsets now read ...").
+std::string scopeAnswerText(bool isGoto);
+
+// The frame of the RA/Dec the mounts read: the place of date (apparent), in which every GoTo
+// and Sync is sent; never J2000.
+inline constexpr const char* kScopePositionFrame = "of date";
+
 // The target of the last scopeGotoEquatorial / scopeSyncEquatorial, as it was sent or shown.
 struct ScopeTarget {
     double raHours = 0, decDeg = 0;  // in the pointing frame

@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -44,6 +45,8 @@ struct SerialLinkState {
     CommState comm;
     LinkTimeouts timeouts;
     int settleMs = 3500;
+    bool lastReadTimedOut = false;  // the last read ended with fewer bytes than asked, at its time-out
+    bool showingTrace = false;      // a trace message is being shown
 };
 
 SerialLinkState& link() {
@@ -81,6 +84,11 @@ std::vector<std::string> devicesWithPrefix(const std::vector<std::string>& names
     std::vector<std::string> paths;
     for (auto& entry : found) paths.push_back(std::move(entry.second));
     return paths;
+}
+
+bool isTerminalDevice(int fd) {
+    struct stat info {};
+    return ::fstat(fd, &info) == 0 && S_ISCHR(info.st_mode) && ::isatty(fd) == 1;
 }
 
 int millisecondsUntil(Clock::time_point deadline) {
@@ -137,7 +145,10 @@ int serialOpen(int portIndex, int baud) {
 
     const std::string& name = s.portNames[static_cast<std::size_t>(portIndex)];
     // Non-blocking so that opening never waits for a carrier; the reads wait with poll().
+    // Only a terminal is a serial port: a regular file, a directory, a FIFO or a character
+    // device such as /dev/zero is refused before a single byte is written to it.
     s.fd = ::open(name.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (s.fd >= 0 && !isTerminalDevice(s.fd)) closeHandle(s);
     if (s.fd >= 0 && ::flock(s.fd, LOCK_EX | LOCK_NB) != 0) closeHandle(s);  // no sharing
     if (s.fd < 0) {
         showMessage("Can't open serial port", name);
@@ -160,12 +171,16 @@ int serialOpen(int portIndex, int baud) {
             return 0;
         }
         s.comm = comm;
-        ::tcflush(s.fd, TCIOFLUSH);  // nothing left over from an earlier session
+        // Nothing left over from an earlier session in the input. The output is kept: the
+        // last command of the previous operation (a sync, a stop) may still be on its way.
+        ::tcflush(s.fd, TCIFLUSH);
     }
 
     int fileFlags = ::fcntl(s.fd, F_GETFL);
     if (fileFlags >= 0) {
         s.timeouts = LinkTimeouts{400, 2, 400, 2, 400};
+        // The descriptor stays non-blocking: every read and write waits through poll() with
+        // these time-outs, so a stalled line can never hold the program.
         if (::fcntl(s.fd, F_SETFL, fileFlags | O_NONBLOCK) != 0) {
             showMessage("Unable to set the time-out parameters");
             return 0;
@@ -229,13 +244,18 @@ int serialRead(void* buffer, std::size_t max) {
     auto deadline = Clock::now() + std::chrono::milliseconds(s.timeouts.readTotalMultiplierMs * static_cast<long>(max) +
                                                              s.timeouts.readTotalConstantMs);
     std::size_t got = 0;
+    s.lastReadTimedOut = false;
     while (got < max) {
         int wait = millisecondsUntil(deadline);
         if (got > 0 && s.timeouts.readIntervalMs > 0) wait = std::min(wait, s.timeouts.readIntervalMs);
-        if (wait == 0) break;
+        if (wait == 0) {
+            s.lastReadTimedOut = true;
+            break;
+        }
         pollfd p{s.fd, POLLIN, 0};
         int ready = ::poll(&p, 1, wait);
         if (ready < 0 && errno == EINTR) continue;
+        if (ready == 0) s.lastReadTimedOut = true;
         if (ready <= 0) break;  // time-out or poll failure
         if ((p.revents & POLLIN) == 0) break;  // hang-up or error without data
         ssize_t n = ::read(s.fd, out + got, max - got);
@@ -279,9 +299,39 @@ int toggleTrace() {
 
 int isTraceOn() { return link().traceMode; }
 
-void traceMessage(const std::string& label, const std::string& text) {
-    if (link().traceMode) showMessage(label, text);
+std::string traceText(std::string_view bytes) {
+    static constexpr char kHex[] = "0123456789ABCDEF";
+    std::string text;
+    for (char c : bytes) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte == '\r') {
+            text += "\\r";
+        } else if (byte == '\n') {
+            text += "\\n";
+        } else if (byte == '\\') {
+            text += "\\\\";
+        } else if (byte < 0x20 || byte >= 0x7F) {
+            text += "\\x";
+            text += kHex[byte >> 4];
+            text += kHex[byte & 0x0F];
+        } else {
+            text += c;
+        }
+    }
+    return text;
 }
+
+void traceMessage(const std::string& label, const std::string& text) {
+    SerialLinkState& s = link();
+    if (!s.traceMode) return;
+    s.showingTrace = true;
+    showMessage(label, traceText(text));
+    s.showingTrace = false;
+}
+
+bool isShowingTrace() { return link().showingTrace; }
+
+bool serialLastReadTimedOut() { return link().lastReadTimedOut; }
 
 void setSerialSettleMillisecondsForTests(int milliseconds) { link().settleMs = std::max(0, milliseconds); }
 

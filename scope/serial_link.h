@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace nocturnel {
@@ -30,8 +31,19 @@ void setHoldOpen(int flag);
 int holdOpen();
 int toggleTrace();
 int isTraceOn();
-// Shows a trace message (label, command or reply text) when trace mode is on.
+// Shows a trace message (label, command or reply text) when trace mode is on. The bytes are
+// shown as printable ASCII: CR and LF as \r and \n, every other control or non-ASCII byte
+// as \xHH (the LX200 degree sign is \xDF), a backslash as \\.
 void traceMessage(const std::string& label, const std::string& text);
+std::string traceText(std::string_view bytes);
+// True while a trace message is being shown: a message sink can tell trace output from a
+// failure message.
+bool isShowingTrace();
+// Whether the last serialRead stopped at its time-out before the bytes asked for came (the
+// mount did not answer in time), as opposed to a full reply or a line error.
+bool serialLastReadTimedOut();
+// The detail line of a failure whose reply did not come within the link's time-outs.
+inline constexpr std::string_view kMountDidNotAnswerInTime = "The mount did not answer in time.";
 
 // Test seam: the settle time after opening, 3500 ms unless a test shortens it.
 void setSerialSettleMillisecondsForTests(int milliseconds);

@@ -9,11 +9,13 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <thread>
 
@@ -136,21 +138,6 @@ TEST_F(SerialLinkTest, VanishedOrBusyDeviceCannotBeOpened) {
     EXPECT_EQ(serialOpen(port, 9600), 0);
     EXPECT_TRUE(messages_.shown("Can't open serial port"));
     EXPECT_FALSE(serialIsOpen());
-}
-
-TEST_F(SerialLinkTest, DeviceThatIsNotATerminalOpensButAnswersNothing) {
-    std::snprintf(prefs().scopeDevice, sizeof prefs().scopeDevice, "%s", "/dev/null");
-    int port = portIndexOf("/dev/null");
-    ASSERT_GT(port, 0);
-    ASSERT_EQ(serialOpen(port, 9600), 1);  // its settings cannot be read, so they are left alone
-    EXPECT_EQ(serialSetLineOptions(kLineOptionsTakahashi), 0);
-    EXPECT_EQ(messages_.lastTitle(), "Can't set serial port parameters");
-    setHoldOpen(0);
-    serialClose();
-    ASSERT_EQ(serialOpen(port, 9600), 1);
-    EXPECT_EQ(serialWrite(":GD#", 4), 1);
-    char buffer[10];
-    EXPECT_EQ(serialRead(buffer, sizeof buffer), 0);
 }
 
 TEST_F(SerialLinkTest, RateTheLineCannotTakeIsRefused) {
@@ -357,6 +344,63 @@ TEST(LineOptions, BaudRatesMapToTerminalSpeeds) {
     EXPECT_EQ(baudToSpeed(9600), std::optional<speed_t>(B9600));
     EXPECT_EQ(baudToSpeed(19200), std::optional<speed_t>(B19200));
     for (int bad : {0, -9600, 9601, 12345}) EXPECT_FALSE(baudToSpeed(bad).has_value()) << bad;
+}
+
+// Only a terminal is a serial port: everything else is refused with the path and is never
+// written to (a notes file given as --port, /dev/zero, /dev/urandom, a folder, a FIFO).
+TEST_F(SerialLinkTest, OnlyATerminalOpensAsASerialPort) {
+    // A short folder of its own: the record keeps device paths of 63 characters at most.
+    const std::filesystem::path shortFolder = "/tmp/ncs_" + std::to_string(::getpid());
+    std::filesystem::create_directories(shortFolder);
+    const auto notes = shortFolder / "notes.txt";
+    { std::FILE* f = std::fopen(notes.c_str(), "w"); ASSERT_NE(f, nullptr); std::fputs("keep", f); std::fclose(f); }
+    const auto fifo = shortFolder / "line.fifo";
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    int fifoReader = ::open(fifo.c_str(), O_RDONLY | O_NONBLOCK);  // so that a writer could open it
+    ASSERT_GE(fifoReader, 0);
+
+    for (const std::string& path : {notes.string(), std::string("/dev/zero"), std::string("/dev/urandom"),
+                                   std::string("/dev/null"), shortFolder.string(), fifo.string()}) {
+        SCOPED_TRACE(path);
+        messages_.clear();
+        std::strncpy(prefs().scopeDevice, path.c_str(), sizeof prefs().scopeDevice - 1);
+        const int index = portIndexOf(path);
+        ASSERT_GT(index, 0);
+        EXPECT_EQ(serialOpen(index, 9600), 0);
+        EXPECT_FALSE(serialIsOpen());
+        EXPECT_EQ(serialWrite(":GR#", 4), 0);
+        ASSERT_EQ(messages_.messages().size(), 1u);
+        EXPECT_EQ(messages_.messages()[0].title, "Can't open serial port");
+        EXPECT_EQ(messages_.messages()[0].detail, path);
+    }
+    char scrap[8];
+    EXPECT_EQ(::read(fifoReader, scrap, sizeof scrap), 0);  // nothing was written into the FIFO
+    ::close(fifoReader);
+    EXPECT_EQ(std::filesystem::file_size(notes), 4u);
+    std::filesystem::remove_all(shortFolder);
+}
+
+TEST_F(SerialLinkTest, TraceShowsControlAndNonAsciiBytesAsEscapes) {
+    EXPECT_EQ(traceText(":Sd +22\xDF" "30:00#"), ":Sd +22\\xDF30:00#");
+    EXPECT_EQ(traceText(std::string("v\r\n", 3)), "v\\r\\n");
+    EXPECT_EQ(traceText(std::string("P\x02\x11\x24\x09\x00\x00\x00", 8)), "P\\x02\\x11$\\x09\\x00\\x00\\x00");
+    EXPECT_EQ(traceText("a\\b"), "a\\\\b");
+    toggleTrace();
+    traceMessage("GotoEQ:Set dec", std::string("+22\xDF", 4));
+    ASSERT_EQ(messages_.messages().size(), 1u);
+    EXPECT_EQ(messages_.messages()[0].detail, "+22\\xDF");
+}
+
+TEST_F(SerialLinkTest, AReadThatOutlastsItsTimeOutSaysSo) {
+    PtyMount mount(silent);
+    ASSERT_EQ(serialOpen(selectAsScopePort(mount), 9600), 1);
+    char reply[4];
+    EXPECT_EQ(serialRead(reply, 4), 0);
+    EXPECT_TRUE(serialLastReadTimedOut());
+    mount.setResponder(upperEcho);
+    ASSERT_EQ(serialWrite("ab", 2), 1);
+    EXPECT_EQ(serialRead(reply, 2), 2);
+    EXPECT_FALSE(serialLastReadTimedOut());
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "core/time.h"
+#include "scope/mount_questions.h"
 #include "scope/scope_interface.h"
 #include "scope/serial_link.h"
 #include "scope/takahashi_wire.h"
@@ -97,9 +98,11 @@ int runPierSideProcedure(char side) {
 // Latitude, sidereal time and pier side: the mount's set-up on its first connection.
 void sendSiteAndPierSide() {
     bool sent = sendSiderealTime() && sendLatitude();
-    if (sent) {
-        if (state().pierSideAnswer < 0) state().pierSideAnswer = askYesNo(kZenithQuestion) ? 1 : 0;
-        sent = runPierSideProcedure(state().pierSideAnswer == 1 ? 'E' : 'W') != 0;
+    if (sent && state().pierSideAnswer < 0) {
+        // The answer sends the mount to the zenith and resets where it believes it points:
+        // asked once, and without an answer the mount is left as it is.
+        if (auto answer = askMountQuestion(kZenithQuestion)) state().pierSideAnswer = *answer ? 1 : 0;
+        if (state().pierSideAnswer >= 0) sent = runPierSideProcedure(state().pierSideAnswer == 1 ? 'E' : 'W') != 0;
     }
     if (!sent) showMessage("No response from Takahashi");
     state().latitudeSent = 1;
@@ -156,7 +159,7 @@ int takahashiConnect() {
     bool made = send("Connect:Send", kTakahashiVersionCommand);
     if (made) made = isTakahashiVersionReply(receive("Connect:Receive", kTakahashiVersionReplyMax));
     if (!made) {
-        showMessage("Fail to open Takahasi connection.");
+        showMessage("Fail to open Takahasi connection.", serialLastReadTimedOut() ? kMountDidNotAnswerInTime : "");
         serialClose();
         return 0;
     }
@@ -223,7 +226,9 @@ int takahashiStopMove(int /*direction*/) {
 }
 
 int takahashiStopAll() {
-    const bool sent = send("Stop:Send", kTakahashiStopGotoCommand) && send("Stop:Send", kTakahashiStatusCommand);
+    // Every motion: the hand motion ("M@", the second stop form), then the slew (the first).
+    const bool sent = send("Stop:Send", kTakahashiStopMotionCommand) && send("Stop:Send", kTakahashiStopGotoCommand) &&
+                      send("Stop:Send", kTakahashiStatusCommand);
     if (!sent) {
         showMessage("Fail to send string");
         return 0;

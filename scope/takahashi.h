@@ -9,14 +9,17 @@
 //   always did in practice.
 // - Latitude, sidereal time and the pier-side procedure go to the mount once per run, on the
 //   first connection that the mount answers (a silent mount is not sent them, and the user is
-//   not asked the zenith question for it).
+//   not asked the zenith question for it). The zenith question goes through askMountQuestion
+//   (mount_questions.h): when nobody can answer it the pier-side procedure is skipped, so the
+//   mount is never sent to the zenith and resynchronised by a default answer.
 // - Goto and sync read a 4-byte answer: "R0" accepted, "R1" wrong RA, "R2" wrong Dec, "R3"
 //   too many digits; nothing or anything else is "No response from Takahashi".
 // - Sync sends the position with the mount's "D" command (same layout as the goto) and reads
 //   the same answer.
 // - stopMove uses the second stop form ("M@": stop the hand motion) and, as the program always
-//   did, returns 0; stopAll uses the first form ("PS" then "s": stop the slew) and drops the
-//   mount's answer to "s" so it cannot prefix the next reply.
+//   did, returns 0; stopAll sends the second form too ("M@") and then the first ("PS" then "s":
+//   stop the slew), so that it ends every motion, and drops the mount's answer to "s" so it
+//   cannot prefix the next reply.
 // - The sidereal time sent is the one handed over by takahashiSetSiderealTime just before the
 //   operation, for that operation only; otherwise the local sidereal time of the telescope
 //   clock (scopeNow) at the site of the preferences, so a later goto never sends a stale one.

@@ -1,6 +1,9 @@
 #include "scope/takahashi_simulator.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
+#include <string_view>
 
 #include "scope/takahashi_wire.h"
 
@@ -28,8 +31,57 @@ bool parsePosition(const std::string& text, std::size_t from, double& raHours, d
     return true;
 }
 
+// Turns the mount for the time since the last command while a direction is held.
+void applyMotion(TakahashiSimulation& sim) {
+    const auto now = std::chrono::steady_clock::now();
+    const double seconds = std::chrono::duration<double>(now - sim.motionSince).count();
+    sim.motionSince = now;
+    if (sim.motionDirection < 0 || seconds <= 0 || seconds > 3600) return;
+    const double step = (sim.motionFast ? 2.0 : 0.1) * seconds;
+    switch (sim.motionDirection) {
+        case 0: sim.decDeg = std::min(90.0, sim.decDeg + step); break;
+        case 1: sim.decDeg = std::max(-90.0, sim.decDeg - step); break;
+        case 2: sim.raHours = std::fmod(sim.raHours + step / 15 + 24, 24); break;
+        default: sim.raHours = std::fmod(sim.raHours - step / 15 + 24, 24); break;
+    }
+}
+
+// The hand-motion commands: slow "MI" "MQ" "MC" "ME", fast "MH" "MP" "MB" "MD" (north,
+// south, east, west); "M@" stops.
+void takeMotion(TakahashiSimulation& sim, const std::string& line) {
+    static constexpr std::string_view kSlow = "IQCE", kFast = "HPBD";
+    sim.lastMotion = line;
+    sim.motionDirection = -1;
+    if (auto slow = kSlow.find(line[1]); slow != std::string_view::npos) {
+        sim.motionDirection = static_cast<int>(slow);
+        sim.motionFast = false;
+    } else if (auto fast = kFast.find(line[1]); fast != std::string_view::npos) {
+        sim.motionDirection = static_cast<int>(fast);
+        sim.motionFast = true;
+    }
+}
+
 std::string answerLine(TakahashiSimulation& sim, const std::string& line) {
+    applyMotion(sim);
     if (line == "v") return sim.versionReply;
+    if (line == "g") {  // the sidereal time the mount keeps, "gHHMMSS"
+        const long seconds = std::lround(std::fmod(std::fabs(sim.lstHours), 24.0) * 3600) % 86400;
+        char text[32];
+        std::snprintf(text, sizeof text, "g%02ld%02ld%02ld\r\n", seconds / 3600, seconds / 60 % 60, seconds % 60);
+        return text;
+    }
+    if (line == "i") {  // the latitude the mount keeps, "isDDMMt" (t: tenths of a minute)
+        const long tenths = std::lround(std::fmin(std::fabs(sim.latitudeDeg), 90.0) * 600);
+        char text[32];
+        std::snprintf(text, sizeof text, "i%c%02ld%02ld%01ld\r\n", sim.latitudeDeg < 0 ? '-' : '+', tenths / 600,
+                      tenths / 10 % 60, tenths % 10);
+        return text;
+    }
+    if (line == "STN-COD") return sim.motorsOn ? "stn-on\r\n" : "stn-off\r\n";
+    if (line == "STN-ON" || line == "STN-OFF") {
+        sim.motorsOn = line == "STN-ON";
+        return sim.motorsOn ? "stn-on\r\n" : "stn-off\r\n";
+    }
     if (line == "E") {
         if (sim.positionOverride) return *sim.positionOverride;
         char flag = sim.side;
@@ -54,11 +106,12 @@ std::string answerLine(TakahashiSimulation& sim, const std::string& line) {
     }
     if (line == "PS") {
         sim.slewing = false;
+        sim.motionDirection = -1;
         return {};
     }
     if (line == "s") return sim.slewing ? "s1\r\n" : "s0\r\n";
     if (line.size() == 2 && line[0] == 'M') {
-        sim.lastMotion = line;
+        takeMotion(sim, line);
         return {};
     }
     if (line.size() == 7 && line[0] == 'T' && digitsAt(line, 1, 6)) {
@@ -104,8 +157,9 @@ PtyMount::Responder makeTakahashiResponder(std::shared_ptr<TakahashiSimulation> 
             std::string line = pending.substr(0, end);
             pending.erase(0, end + 1);
             if (!line.empty() && line.back() == '\r') line.pop_back();
-            if (line.empty() || simulation->silent) continue;
-            reply += answerLine(*simulation, line);
+            if (line.empty()) continue;
+            std::string answer = answerLine(*simulation, line);  // a silent mount still obeys
+            if (!simulation->silent) reply += answer;
         }
         return reply;
     };

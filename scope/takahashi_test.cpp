@@ -280,7 +280,7 @@ TEST_F(TakahashiLink, StopForms) {
     EXPECT_EQ(mount_->received(), "M@\r\n");
     mount_->clearReceived();
     EXPECT_EQ(takahashiStopAll(), 1);
-    EXPECT_EQ(mount_->received(), "PS\r\ns\r\n");
+    EXPECT_EQ(mount_->received(), "M@\r\nPS\r\ns\r\n");  // the hand motion too
     EXPECT_TRUE(messages_.messages().empty());
 
     // The answer to "s" was drained: the next read is not shifted by it.
@@ -354,9 +354,9 @@ TEST_F(TakahashiLink, TraceShowsCommands) {
     ASSERT_EQ(takahashiConnect(), 1);
     bool version = false, sidereal = false, zenith = false;
     for (const Message& m : messages_.messages()) {
-        version |= m.title == "Connect:Send" && m.detail == "v\r\n";
-        sidereal |= m.title == "QueryEQ:Send localSiderealTime" && m.detail == "T063000\r\n";
-        zenith |= m.title == "Connect:Send zenith cmd " && m.detail == "Z\r\n";
+        version |= m.title == "Connect:Send" && m.detail == "v\\r\\n";  // CR LF shown as escapes
+        sidereal |= m.title == "QueryEQ:Send localSiderealTime" && m.detail == "T063000\\r\\n";
+        zenith |= m.title == "Connect:Send zenith cmd " && m.detail == "Z\\r\\n";
     }
     EXPECT_TRUE(version);
     EXPECT_TRUE(sidereal);

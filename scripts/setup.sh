@@ -9,6 +9,7 @@ packages=(build-essential cmake pkg-config git ccache
           libcli11-dev libcpp-httplib-dev nlohmann-json3-dev
           nodejs npm
           clang libclang-rt-14-dev  # fuzz targets: clang's libFuzzer and sanitizer runtimes
+          indi-bin  # INDI's own mount drivers: the interoperability tests run them against our simulators
           )
 
 missing=()

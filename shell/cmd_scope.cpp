@@ -2,9 +2,13 @@
 // pty simulators of the mounts for trying them without hardware.
 //
 //   nocturnel scope [--drive NAME|CODE] [--port DEVICE] [--trace] [--simulated] COMMAND
-//     connect | read | goto --ra H --dec D | sync --ra H --dec D | rate 0..3
+//     connect | read | goto [--force] NAME|--ra H --dec D | sync NAME|--ra H --dec D | rate 0..3
 //     move n|s|e|w [--rate R] [--seconds S] | stop [n|s|e|w] | track [--count N]
 //   nocturnel scope simulate --drive NAME [--precision high|low] [--ra H --dec D]
+//
+// A GoTo below the horizon is refused unless --force. A question whose answer moves the mount
+// (the Takahashi zenith question) is asked on a terminal or answered by the global --answer;
+// otherwise it stays unanswered and the mount is left as it is.
 //
 // --drive and --port override the saved preferences for this run only (they are never
 // saved). Test seam: the environment variable NOCTURNEL_SERIAL_SETTLE_MS shortens the settle
@@ -21,16 +25,19 @@
 #include <string>
 #include <thread>
 #include <vector>
+#include <unistd.h>
 
 #include "align/alignment.h"
 #include "core/angle_text.h"
 #include "scope/drive_types.h"
+#include "scope/mount_questions.h"
 #include "scope/mount_simulators.h"
 #include "scope/pty_mount.h"
 #include "scope/scope_interface.h"
 #include "scope/serial_link.h"
 #include "settings/message.h"
 #include "settings/preferences.h"
+#include "settings/preferences_file.h"
 #include "shell/app.h"
 #include "shell/commands.h"
 #include "shell/drive_options.h"
@@ -82,6 +89,7 @@ struct ScopeOptions {
     double seconds = 0;
     int count = 0;
     std::string precision = "high";
+    bool force = false;
 };
 
 void fail() { setExitCode(1); }
@@ -91,7 +99,7 @@ class MessageCounter {
 public:
     MessageCounter() {
         previous_ = setMessageSink([this](const Message& m) {
-            ++count_;
+            if (!isShowingTrace()) ++count_;  // trace output is not a failure
             if (previous_) previous_(m);
         });
     }
@@ -127,9 +135,28 @@ std::optional<int> directionCode(const std::string& text) {
     return std::nullopt;
 }
 
+// Set from the global --answer option when the command line gave one.
+std::optional<bool>& scriptedAnswer() {
+    static std::optional<bool> answer;
+    return answer;
+}
+
+// A question whose answer moves the mount (the Takahashi zenith question) is asked on a
+// terminal or answered by an explicit --answer; otherwise nobody answers it and the mount is
+// left as it is, with a word on standard error.
+void installMountQuestionSink() {
+    setMountQuestionSink([](std::string_view question) -> std::optional<bool> {
+        if (scriptedAnswer() || isatty(STDIN_FILENO)) return askYesNo(question);
+        std::cerr << toUtf8(question) << "\n  Not answered (no terminal): the mount is left as it is. "
+                  << "Run with --answer yes or --answer no to answer it." << std::endl;
+        return std::nullopt;
+    });
+}
+
 // Start-up, then this run's overrides of the link settings. False (message shown) on failure.
 bool prepare(const ScopeOptions& o) {
     if (!startUp()) return false;
+    installMountQuestionSink();
     if (const char* settle = std::getenv("NOCTURNEL_SERIAL_SETTLE_MS"))
         setSerialSettleMillisecondsForTests(std::atoi(settle));
     if (!applyDriveOptions(o.drive, o.port)) return false;
@@ -141,6 +168,20 @@ bool prepare(const ScopeOptions& o) {
     // --date / --time fix "now"; otherwise the machine clock runs.
     useCommandLineClockForScope();
     return true;
+}
+
+// Writes the NexStar offsets of this run into the saved preferences, and nothing else: the
+// --drive and --port of this run stay unsaved.
+bool saveNexStarOffsets() {
+    Preferences saved;
+    applyStartDefaults(saved);
+    loadPreferences(saved);
+    validatePreferences(saved);
+    saved.nexstarRaOffsetHours = prefs().nexstarRaOffsetHours;
+    saved.nexstarDecOffsetDeg = prefs().nexstarDecOffsetDeg;
+    if (savePreferences(saved)) return true;
+    showMessage("Can't save the NexStar offsets", "They hold for this command only.");
+    return false;
 }
 
 bool hasDisconnect(int code) {
@@ -156,12 +197,13 @@ bool readsAltAz(int code) {
 void printPosition(double first, double second, bool altAz) {
     if (globalOptions().json) {
         nlohmann::json j = altAz ? nlohmann::json{{"az", first}, {"alt", second}}
-                                 : nlohmann::json{{"ra", first}, {"dec", second}};
+                                 : nlohmann::json{{"ra", first}, {"dec", second}, {"frame", kScopePositionFrame}};
         std::cout << j.dump() << std::endl;
     } else if (altAz) {
         std::cout << "Az: " << utf8(degreesText(first)) << "  Alt: " << utf8(degreesText(second)) << std::endl;
     } else {
-        std::cout << "Ra: " << utf8(hoursText(first)) << "  Dec: " << utf8(degreesText(second)) << std::endl;
+        std::cout << "Ra: " << utf8(hoursText(first)) << "  Dec: " << utf8(degreesText(second)) << "  ("
+                  << kScopePositionFrame << ")" << std::endl;
     }
 }
 
@@ -224,20 +266,33 @@ void runGotoOrSync(const ScopeOptions& o, bool isGoto) {
     ResolvedTarget target;
     const std::string name = o.target.empty() ? joinedName(o.targetWords) : o.target;
     if (!resolveTargetOrPlace(name, o.ra, o.dec, target)) return fail();
+    if (isGoto && !o.force && scopeDriveSlews()) {
+        double altDeg = 0;
+        if (!scopeTargetAltitude(target.raHours, target.decDeg, altDeg)) return fail();
+        if (altDeg < 0) {
+            showMessage("This object is below the horizon", "Alt " + degreesText(altDeg) + ": use --force to send the GoTo anyway.");
+            return fail();
+        }
+    }
     const int ok = isGoto ? scopeGotoEquatorial(target.raHours, target.decDeg)
                           : scopeSyncEquatorial(target.raHours, target.decDeg);
     if (!ok) {
         if (isGoto) showMessage("Goto failed");
         return fail();
     }
+    // The NexStar offsets are preferences: keep them for the next command.
+    if (!isGoto && driveFamily(prefs().scopeDrive) == DriveFamily::NexStar && !saveNexStarOffsets()) return fail();
     const ScopeTarget& t = lastScopeTarget();
+    const std::string meaning = scopeAnswerText(isGoto);
     if (globalOptions().json) {
-        printDone(isGoto ? "goto" : "sync", {{"ra", t.raHours}, {"dec", t.decDeg}, {"az", t.azDeg}, {"alt", t.altDeg},
-                                             {"answer", t.driveAnswer}});
+        printDone(isGoto ? "goto" : "sync", {{"ra", t.raHours}, {"dec", t.decDeg}, {"frame", kScopePositionFrame},
+                                             {"az", t.azDeg}, {"alt", t.altDeg}, {"answer", t.driveAnswer},
+                                             {"result", meaning}});
     } else {
         std::cout << (isGoto ? "Goto" : "Sync") << " Ra: " << utf8(hoursText(t.raHours))
-                  << "  Dec: " << utf8(degreesText(t.decDeg)) << "  (Az: " << utf8(degreesText(t.azDeg))
-                  << "  Alt: " << utf8(degreesText(t.altDeg)) << ")  answer: " << t.driveAnswer << std::endl;
+                  << "  Dec: " << utf8(degreesText(t.decDeg)) << " (" << kScopePositionFrame
+                  << ")  (Az: " << utf8(degreesText(t.azDeg)) << "  Alt: " << utf8(degreesText(t.altDeg)) << "): "
+                  << meaning << std::endl;
     }
 }
 
@@ -338,8 +393,15 @@ void runSimulate(const ScopeOptions& o) {
     const bool forever = o.seconds <= 0;
     const auto end = std::chrono::steady_clock::now() +
                      std::chrono::milliseconds(forever ? 0 : static_cast<long long>(o.seconds * 1000));
-    while (!interrupted && (forever || std::chrono::steady_clock::now() < end))
+    // With --trace, what the mount receives is shown as it comes (escaped, one chunk a line).
+    std::size_t shown = 0;
+    while (!interrupted && (forever || std::chrono::steady_clock::now() < end)) {
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        if (!isTraceOn()) continue;
+        const std::string received = mount.received();
+        if (received.size() > shown) std::cerr << "received: " << traceText(received.substr(shown)) << std::endl;
+        shown = received.size();
+    }
 }
 
 // goto / sync: NAME, --object NAME, or --ra H --dec D.
@@ -354,6 +416,7 @@ void addTargetOptions(CLI::App* command, ScopeOptions& o) {
 
 void registerScopeCommand(CLI::App& app) {
     auto o = std::make_shared<ScopeOptions>();
+    scriptedAnswer().reset();
     CLI::App* scope = app.add_subcommand("scope", "Drive the telescope: connect, read, goto, sync, move, track");
     scope->require_subcommand(1);
     scope->fallthrough();
@@ -364,8 +427,14 @@ void registerScopeCommand(CLI::App& app) {
     scope->add_subcommand("connect", "Connect to the drive and disconnect")->callback([o] { runConnect(*o); });
     scope->add_subcommand("read", "Read the position once")->callback([o] { runRead(*o); });
 
+    if (CLI::Option* answer = app.get_option_no_throw("--answer")) {
+        // Known once the whole line is parsed, before any subcommand's callback runs.
+        answer->each([](const std::string& value) { scriptedAnswer() = value == "yes"; });
+    }
+
     CLI::App* go = scope->add_subcommand("goto", "Send the telescope to a named object or a J2000 position");
     addTargetOptions(go, *o);
+    go->add_flag("--force", o->force, "Send the GoTo even when the object is below the horizon");
     go->callback([o] { runGotoOrSync(*o, true); });
 
     CLI::App* sync = scope->add_subcommand("sync", "Tell the mount it points at a named object or a J2000 position");

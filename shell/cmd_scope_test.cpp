@@ -7,6 +7,8 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
+#include <thread>
+#include <fcntl.h>
 #include <unistd.h>
 #include <vector>
 
@@ -17,6 +19,8 @@
 #include "scope/encoder_box.h"
 #include "scope/lx200.h"
 #include "scope/lx200_sim.h"
+#include "scope/nexstar_sim.h"
+#include "scope/takahashi_simulator.h"
 #include "scope/mount_simulators.h"
 #include "scope/pty_mount.h"
 #include "scope/serial_link.h"
@@ -36,6 +40,12 @@ protected:
         home_ = std::filesystem::temp_directory_path() / ("nocturnel_cmd_scope_" + std::to_string(::getpid()));
         std::filesystem::create_directories(home_);
         ::setenv("NOCTURNEL_SERIAL_SETTLE_MS", "0", 1);
+        // No terminal on standard input, whoever runs the tests: questions go unanswered
+        // unless a test answers them.
+        savedStdin_ = ::dup(STDIN_FILENO);
+        const int devNull = ::open("/dev/null", O_RDONLY);
+        ::dup2(devNull, STDIN_FILENO);
+        ::close(devNull);
         setTakahashiPollPauseMillisecondsForTests(0);
         prefs() = Preferences{};
         encoderResetState();
@@ -47,6 +57,8 @@ protected:
         setHoldOpen(0);
         serialClose();
         ::unsetenv("NOCTURNEL_SERIAL_SETTLE_MS");
+        ::dup2(savedStdin_, STDIN_FILENO);
+        ::close(savedStdin_);
         std::error_code ec;
         std::filesystem::remove_all(home_, ec);
     }
@@ -58,6 +70,7 @@ protected:
     }
 
     std::filesystem::path home_;
+    int savedStdin_ = -1;
 };
 
 TEST_F(ScopeCommand, EveryDriveWithASimulatorConnectsReadsAndMoves) {
@@ -81,9 +94,6 @@ TEST_F(ScopeCommand, EveryDriveWithASimulatorConnectsReadsAndMoves) {
         if (drive.family == DriveFamily::EncoderBox) {
             EXPECT_NEAR(j.at("ra").get<double>(), 120.0 / 15.0, 0.01);
             EXPECT_NEAR(j.at("dec").get<double>(), 30.0, 0.05);
-        } else if (drive.family == DriveFamily::Takahashi) {
-            // The first connection sends the mount to the zenith for the pier side.
-            EXPECT_NEAR(j.at("dec").get<double>(), prefs().latitudeDeg, 0.05);
         } else {
             EXPECT_NEAR(j.at("ra").get<double>(), 4.25, 0.01);
             EXPECT_NEAR(j.at("dec").get<double>(), 33.5, 0.05);
@@ -178,7 +188,7 @@ TEST_F(ScopeCommand, GotoReportsTheMountsAnswer) {
     EXPECT_NE(mount.received().find(":MS#"), std::string::npos);
 
     model->update([](Lx200MountState& s) { s.gotoReply = "1"; });
-    CliRun below = run({"scope", "--drive", "LX200", "--port", port, "goto", "--ra", "5.9", "--dec", "7.4"});
+    CliRun below = run({"scope", "--drive", "LX200", "--port", port, "goto", "--force", "--ra", "5.9", "--dec", "7.4"});
     EXPECT_EQ(below.exit, 1);
     EXPECT_TRUE(below.shown("Object is below horizon in Goto.")) << below.titles();
     EXPECT_TRUE(below.shown("Goto failed"));
@@ -235,6 +245,255 @@ TEST_F(ScopeCommand, SimulatePrintsItsDevice) {
     auto j = nlohmann::json::parse(r.out);
     EXPECT_EQ(j.at("device").get<std::string>().rfind("/dev/pts/", 0), 0u);
     EXPECT_EQ(j.at("drive").get<int>(), 5);
+}
+
+// ---- stopping, syncing, questions, replies and trace, against the simulators ----
+
+double jsonNumber(const CliRun& r, const char* key) { return nlohmann::json::parse(r.out).at(key).get<double>(); }
+
+TEST_F(ScopeCommand, MoveNorthMovesTheLx200SimulatorAndStopLeavesItStill) {
+    auto model = std::make_shared<Lx200MountModel>(lx200MountForDrive(kDriveLx200, true, 6.0, 10.0));
+    PtyMount mount(makeLx200Responder(model));
+    const std::string port = mount.devicePath();
+    CliRun move = run({"scope", "--drive", "LX200", "--port", port, "move", "n", "--rate", "0", "--seconds", "0.3"});
+    ASSERT_EQ(move.exit, 0) << move.titles();
+    ASSERT_TRUE(mount.waitUntilReceived("#:Qn#"));
+    EXPECT_EQ(model->state().moving, -1);
+    CliRun first = run({"--json", "scope", "--drive", "LX200", "--port", port, "read"});
+    ASSERT_EQ(first.exit, 0) << first.titles();
+    EXPECT_GT(jsonNumber(first, "dec"), 10.3);  // 2 degrees a second at the slew rate, for 0.3 s
+    EXPECT_LT(jsonNumber(first, "dec"), 11.5);
+    std::this_thread::sleep_for(std::chrono::milliseconds(150));
+    CliRun second = run({"--json", "scope", "--drive", "LX200", "--port", port, "read"});
+    EXPECT_NEAR(jsonNumber(second, "dec"), jsonNumber(first, "dec"), 1e-9);  // stopped means still
+}
+
+int takahashiMotion(TakahashiSimulation& sim) {
+    std::lock_guard lock(sim.mutex);
+    return sim.motionDirection;
+}
+
+// Each family's "stop" (stop all) ends a hand motion that "move" started.
+TEST_F(ScopeCommand, StopAllStopsTheHandMotionOfEveryFamily) {
+    {
+        auto model = std::make_shared<Lx200MountModel>();
+        PtyMount mount(makeLx200Responder(model));
+        ASSERT_EQ(run({"scope", "--drive", "LX200", "--port", mount.devicePath(), "move", "e"}).exit, 0);
+        ASSERT_TRUE(mount.waitUntilReceived("#:Me#"));
+        EXPECT_EQ(model->state().moving, 2);
+        CliRun stop = run({"scope", "--drive", "LX200", "--port", mount.devicePath(), "stop"});
+        EXPECT_EQ(stop.exit, 0) << stop.titles();
+        ASSERT_TRUE(mount.waitUntilReceived("#:Q#"));
+        EXPECT_EQ(model->state().moving, -1);
+    }
+    for (const char* drive : {"NexStarGPS,GT,CGE", "NexStar old GT"}) {
+        SCOPED_TRACE(drive);
+        auto model = std::make_shared<NexStarMountModel>();
+        PtyMount mount(makeNexStarResponder(model));
+        ASSERT_EQ(run({"scope", "--drive", drive, "--port", mount.devicePath(), "move", "n"}).exit, 0);
+        EXPECT_TRUE(model->moving());
+        CliRun stop = run({"scope", "--drive", drive, "--port", mount.devicePath(), "stop"});
+        EXPECT_EQ(stop.exit, 0) << stop.titles();
+        EXPECT_FALSE(model->moving());
+    }
+    {
+        takahashiResetState();
+        auto sim = std::make_shared<TakahashiSimulation>();
+        PtyMount mount(makeTakahashiResponder(sim));
+        ASSERT_EQ(run({"scope", "--drive", "Takahashi", "--port", mount.devicePath(), "move", "w"}).exit, 0);
+        ASSERT_TRUE(mount.waitUntilReceived("ME\r\n"));
+        EXPECT_EQ(takahashiMotion(*sim), 3);
+        CliRun stop = run({"scope", "--drive", "Takahashi", "--port", mount.devicePath(), "stop"});
+        EXPECT_EQ(stop.exit, 0) << stop.titles();
+        EXPECT_EQ(takahashiMotion(*sim), -1);
+    }
+}
+
+// A mount that stops answering while it moves is still told to stop.
+TEST_F(ScopeCommand, MoveSendsItsStopEvenWhenTheMountFallsSilent) {
+    auto model = std::make_shared<Lx200MountModel>();
+    PtyMount mount([model](std::string& pending) {
+        std::string reply = model->respond(pending);
+        if (model->state().moving >= 0) model->update([](Lx200MountState& s) { s.silent = true; });
+        return reply;
+    });
+    CliRun move = run({"scope", "--drive", "LX200", "--port", mount.devicePath(), "move", "n", "--seconds", "0.2"});
+    EXPECT_EQ(move.exit, 1);  // the mount never confirmed anything
+    EXPECT_TRUE(move.shown("The stop was sent to a mount that did not answer")) << move.titles();
+    ASSERT_TRUE(mount.waitUntilReceived("#:Qn#"));
+    EXPECT_EQ(model->state().moving, -1);
+}
+
+// Sync then read gives the synced place, for every family that syncs; the NexStar offsets
+// are kept for the next command.
+TEST_F(ScopeCommand, SyncThenReadReturnsTheSyncedPlace) {
+    struct Row {
+        int code;
+    } rows[] = {{kDriveLx200}, {kDriveNexstarGps}, {kDriveNexstarOldGt}, {kDriveUltima2000}, {kDriveTakahashi}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.code);
+        takahashiResetState();
+        PtyMount mount(makeMountSimulator(row.code, SimulatorOptions{true, 3.0, 20.0}));
+        const std::string code = std::to_string(row.code);
+        CliRun sync = run({"--json", "--date", "2024-03-15", "--time", "22:30", "scope", "--drive", code, "--port",
+                           mount.devicePath(), "sync", "--ra", "10.5", "--dec", "-5.25"});
+        ASSERT_EQ(sync.exit, 0) << sync.titles();
+        takahashiResetState();  // the next command is a new run
+        CliRun read = run({"--json", "scope", "--drive", code, "--port", mount.devicePath(), "read"});
+        ASSERT_EQ(read.exit, 0) << read.titles();
+        // The LX200 sync sends its RA seconds in the tenths-of-a-minute field (a quirk kept on
+        // purpose): the mount reads up to a minute of time off.
+        const double raTolerance = row.code == kDriveLx200 ? 0.02 : 0.01;
+        EXPECT_NEAR(jsonNumber(read, "ra"), jsonNumber(sync, "ra"), raTolerance);
+        EXPECT_NEAR(jsonNumber(read, "dec"), jsonNumber(sync, "dec"), 0.05);
+        EXPECT_EQ(nlohmann::json::parse(read.out).at("frame"), "of date");
+    }
+}
+
+// Without a terminal and without --answer, the Takahashi zenith question is not answered and
+// the mount is never sent to the zenith: a goto then a read gives the target.
+TEST_F(ScopeCommand, TakahashiZenithQuestionIsNeverAnsweredByDefault) {
+    auto sim = std::make_shared<TakahashiSimulation>();
+    PtyMount mount(makeTakahashiResponder(sim));
+    const std::string port = mount.devicePath();
+    CliRun go = run({"--json", "--date", "2024-03-15", "--time", "22:30", "scope", "--drive", "Takahashi", "--port",
+                     port, "goto", "--force", "--ra", "5.5", "--dec", "22"});
+    ASSERT_EQ(go.exit, 0) << go.titles();
+    takahashiResetState();
+    CliRun read = run({"--json", "scope", "--drive", "Takahashi", "--port", port, "read"});
+    ASSERT_EQ(read.exit, 0) << read.titles();
+    EXPECT_NEAR(jsonNumber(read, "ra"), jsonNumber(go, "ra"), 0.01);
+    EXPECT_NEAR(jsonNumber(read, "dec"), jsonNumber(go, "dec"), 0.05);
+    {
+        std::lock_guard lock(sim->mutex);
+        EXPECT_EQ(sim->zenithCount, 0);
+    }
+
+    // An explicit answer still runs the pier-side procedure, asked once for the run.
+    takahashiResetState();
+    QuestionAnswerer yes(true);
+    CliRun answered = run({"--answer", "yes", "scope", "--drive", "Takahashi", "--port", port, "read"});
+    EXPECT_EQ(answered.exit, 0) << answered.titles();
+    EXPECT_EQ(yes.questions().size(), 1u);
+    run({"--answer", "yes", "scope", "--drive", "Takahashi", "--port", port, "read"});
+    EXPECT_EQ(yes.questions().size(), 1u);
+    std::lock_guard lock(sim->mutex);
+    EXPECT_GE(sim->zenithCount, 1);
+}
+
+TEST_F(ScopeCommand, AReplyThatIsNotAPositionIsAFailedRead) {
+    // Each mount answers its own formats, with one value out of its range.
+    auto lx200With = [](std::string command, std::string reply) -> PtyMount::Responder {
+        auto model = std::make_shared<Lx200MountModel>();
+        return [model, command, reply](std::string& pending) {
+            const bool replace = pending.find(command) != std::string::npos;
+            std::string answer = model->respond(pending);
+            return replace ? reply : answer;
+        };
+    };
+    auto fixed = [](std::string reply) -> PtyMount::Responder {
+        return [reply](std::string& pending) {
+            pending.clear();
+            return reply;
+        };
+    };
+    struct Row {
+        const char* drive;
+        PtyMount::Responder responder;
+        const char* message;
+    } rows[] = {
+        {"LX200", lx200With(":GR#", "99:99:99#"), "Failed to get Meade RA and Dec."},
+        {"LX200", lx200With("#:GR#", "24:30:00#"), "Failed to get Meade RA and Dec."},
+        {"ServoCat", fixed("25.000 +10.000"), "Failed to get Servocat RA and Dec"},
+        {"SkyCommander", fixed("030.000 +95.000 "), "Failed to get SkyCommander RA and Dec."},
+    };
+    for (Row& row : rows) {
+        SCOPED_TRACE(row.drive);
+        PtyMount mount(std::move(row.responder));
+        CliRun r = run({"scope", "--drive", row.drive, "--port", mount.devicePath(), "read"});
+        EXPECT_EQ(r.exit, 1);
+        EXPECT_EQ(r.out, "");
+        bool explained = false;
+        for (const Message& m : r.messages) explained |= m.title == row.message && m.detail.rfind("Not a position", 0) == 0;
+        EXPECT_TRUE(explained) << r.titles();
+    }
+    // A declination beyond the pole, from the mount's Dec query (the connect takes it too).
+    auto model = std::make_shared<Lx200MountModel>();
+    model->update([](Lx200MountState& st) { st.decDeg = 95; });
+    PtyMount beyond(makeLx200Responder(model));
+    CliRun r = run({"scope", "--drive", "LX200", "--port", beyond.devicePath(), "read"});
+    EXPECT_EQ(r.exit, 1);
+    EXPECT_TRUE(r.shown("Failed to get Meade RA and Dec.")) << r.titles();
+}
+
+TEST_F(ScopeCommand, AMountSlowerThanTheTimeOutDidNotAnswerInTime) {
+    auto model = std::make_shared<Lx200MountModel>();
+    PtyMount mount([model](std::string& pending) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(700));  // past the 420 ms a reply may take
+        return model->respond(pending);
+    });
+    CliRun r = run({"scope", "--drive", "LX200", "--port", mount.devicePath(), "read"});
+    EXPECT_EQ(r.exit, 1);
+    bool inTime = false;
+    for (const Message& m : r.messages) inTime |= m.detail == "The mount did not answer in time.";
+    EXPECT_TRUE(inTime) << r.titles();
+}
+
+TEST_F(ScopeCommand, TraceChangesNothingButTheOutput) {
+    for (bool trace : {false, true}) {
+        SCOPED_TRACE(trace);
+        takahashiResetState();
+        auto sim = std::make_shared<TakahashiSimulation>();
+        PtyMount mount(makeTakahashiResponder(sim));
+        std::vector<std::string> args{"scope", "--drive", "Takahashi", "--port", mount.devicePath(), "move", "n",
+                                      "--seconds", "0.2"};
+        if (trace) args.insert(args.begin() + 1, "--trace");
+        CliRun r = run(args);
+        EXPECT_EQ(r.exit, 0) << r.titles();
+        EXPECT_EQ(r.out, "Move n\n");
+        ASSERT_TRUE(mount.waitUntilReceived("M@\r\n"));
+        EXPECT_EQ(takahashiMotion(*sim), -1);
+        if (trace) {
+            bool escaped = false;
+            for (const Message& m : r.messages) escaped |= m.detail == "v\\r\\n";
+            EXPECT_TRUE(escaped) << "trace shows CR LF as escapes";
+        }
+    }
+    // The LX200 degree byte in a traced reply is shown as \xDF.
+    PtyMount lx200(makeMountSimulator(kDriveLx200));
+    CliRun read = run({"scope", "--trace", "--drive", "LX200", "--port", lx200.devicePath(), "read"});
+    ASSERT_EQ(read.exit, 0) << read.titles();
+    bool degree = false;
+    for (const Message& m : read.messages) {
+        EXPECT_EQ(m.detail.find('\xDF'), std::string::npos);
+        degree |= m.detail.find("\\xDF") != std::string::npos;
+    }
+    EXPECT_TRUE(degree);
+}
+
+TEST_F(ScopeCommand, GotoBelowTheHorizonIsRefusedUnlessForced) {
+    auto model = std::make_shared<Lx200MountModel>();
+    PtyMount mount(makeLx200Responder(model));
+    // Dec -80 never rises at the default site's latitude (+48).
+    const std::vector<std::string> go{"--date", "2024-03-15", "--time", "22:30", "scope", "--drive", "LX200",
+                                      "--port", mount.devicePath(), "goto", "--ra", "5", "--dec", "-80"};
+    CliRun refused = run(go);
+    EXPECT_EQ(refused.exit, 1);
+    EXPECT_TRUE(refused.shown("This object is below the horizon")) << refused.titles();
+    EXPECT_EQ(mount.received().find(":MS#"), std::string::npos);
+
+    std::vector<std::string> forced = go;
+    forced.insert(forced.begin() + 10, "--force");
+    CliRun sent = run(forced);
+    EXPECT_EQ(sent.exit, 0) << sent.titles();
+    EXPECT_NE(mount.received().find(":MS#"), std::string::npos);
+    // The mount's answer in words, and the frame of the coordinates.
+    EXPECT_NE(sent.out.find("the mount is slewing"), std::string::npos) << sent.out;
+    EXPECT_NE(sent.out.find("(of date)"), std::string::npos) << sent.out;
+    EXPECT_EQ(sent.out.find("answer:"), std::string::npos) << sent.out;
+
+    CliRun read = run({"scope", "--drive", "LX200", "--port", mount.devicePath(), "read"});
+    EXPECT_NE(read.out.find("(of date)"), std::string::npos) << read.out;
 }
 
 }  // namespace
