@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
+#include <map>
 #include <string>
 
 #include "catalog/catalogues.h"
@@ -106,10 +107,39 @@ bool findStar(const ObjectNameQuery& query, FoundObject& out) {
     return true;
 }
 
+// Messier and Caldwell numbers are not in the name index: their records are found by one scan
+// of the object file, remembered for the file that is open.
+struct SecondaryNumbers {
+    const void* file = nullptr;
+    int records = -1;
+    std::map<int, int> messier, caldwell;  // number -> record
+};
+
+bool lookupSecondary(int catalogCode, int32_t number, ObjectRecord& out) {
+    static SecondaryNumbers cache;
+    DatabaseSlot& slot = objectSlot();
+    if (cache.file != slot.file.get() || cache.records != recordCount(slot)) {
+        cache = SecondaryNumbers{slot.file.get(), recordCount(slot), {}, {}};
+        for (int i = 0; i < cache.records; ++i) {
+            const uint8_t* bytes = recordSize(slot) >= sizeof(ObjectRecord) ? fetchRecord(slot, static_cast<uint32_t>(i)) : nullptr;
+            if (!bytes) break;
+            ObjectRecord o;
+            std::memcpy(&o, bytes, sizeof o);
+            if (o.messier > 0) cache.messier.emplace(o.messier, i);
+            if (o.caldwell > 0) cache.caldwell.emplace(o.caldwell, i);
+        }
+    }
+    const auto& numbers = catalogCode == kCatalogMessier ? cache.messier : cache.caldwell;
+    const auto it = numbers.find(number);
+    return it != numbers.end() && readObject(static_cast<uint16_t>(it->second), out);
+}
+
 bool findDeepSky(const ObjectNameQuery& query, FoundObject& out) {
     if (!objectSlot().isOpen() && !openObjectFiles()) return false;
     ObjectRecord object;
-    if (!lookupObject(query.catalogCode, query.number, object)) {
+    const bool secondary = query.catalogCode == kCatalogMessier || query.catalogCode == kCatalogCaldwell;
+    if (!(secondary ? lookupSecondary(query.catalogCode, query.number, object)
+                    : lookupObject(query.catalogCode, query.number, object))) {
         reportNotFound(designation(query.catalogCode, query.number));
         return false;
     }
@@ -142,6 +172,8 @@ bool findByDesignation(const ObjectNameQuery& query, FoundObject& out) {
 // catalogue is indexed, else by scanning the records.
 int objectRecordOf(int catalogCode, int32_t number) {
     if (!objectSlot().isOpen()) return -1;
+    const int fitting = recordCount(objectSlot()) < 2000 ? 0 : 2;  // the index that fits the open object file
+    if (openObjectIndexSize() != fitting || !objectIndexSlot().isOpen()) openObjectIndexForSize(fitting);
     const int32_t key = objectIndexKey(catalogCode, number);
     if (key >= 0) {
         const int found = findObjectIndex(key);
