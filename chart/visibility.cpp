@@ -195,7 +195,7 @@ double logThresholdContrast(double backgroundMagArcsec2, double apparentSizeArcm
     const double fs = (logSize - sizes[col]) / (sizes[col + 1] - sizes[col]);
     auto rowValue = [&](int r) { return rows[r].logThreshold[col] + fs * (rows[r].logThreshold[col + 1] - rows[r].logThreshold[col]); };
     const double first = rows.front().backgroundMagArcsec2;
-    const double bg = std::max(backgroundMagArcsec2, first);
+    const double bg = std::clamp(std::isfinite(backgroundMagArcsec2) ? backgroundMagArcsec2 : first, first, first + 60.0);
     const int row = std::min(static_cast<int>(std::floor(bg - first)), kThresholdBackgroundRows - 2);
     const double fb = bg - rows[row].backgroundMagArcsec2;  // beyond the last row: straight on
     return rowValue(row) + fb * (rowValue(row + 1) - rowValue(row));
