@@ -56,8 +56,30 @@ int catalogOfOpenStarFile() {
     return level > 0 ? kCatalogHipparcos : -1;
 }
 
-void offerBrightStars(Best& best, const ChartView& view, const SkyFrame& frame, int x, int y, int tolerancePx) {
+// Declination band around the tap (J2000) outside which nothing can be drawn within reach of
+// it: the tolerance turned into degrees at the chart's scale, with room for the projection's
+// stretching toward the edges and for the small precession from J2000.
+struct TapBand {
+    double decDeg = 0, halfHeightDeg = 180;
+    bool excludes(double objectDecDeg, double extraDeg = 0) const {
+        return std::abs(objectDecDeg - decDeg) > halfHeightDeg + extraDeg;
+    }
+};
+
+TapBand tapBand(const ChartView& view, const SkyFrame& frame, int x, int y, int tolerancePx) {
+    TapBand band;
+    double raDate = 0, decDate = 0, ra = 0;
+    screenToSky(view, x, y, raDate, decDate);
+    dateToJ2000(frame, raDate, decDate, ra, band.decDeg);
+    const double pixelsPerDeg = std::min(view.width, view.height) / fieldOfViewDeg(view.zoomLevel);
+    band.halfHeightDeg = 3.0 * tolerancePx / std::max(pixelsPerDeg, 1e-6) + 0.5;
+    return band;
+}
+
+void offerBrightStars(Best& best, const ChartView& view, const SkyFrame& frame, const TapBand& band, int x, int y,
+                      int tolerancePx) {
     for (const DefaultStarRecord& star : chartBrightStars()) {
+        if (band.excludes(star.decDeg)) continue;
         ScreenPoint p;
         if (!skyToScreen(view, frame, star.raHours, star.decDeg, p)) continue;
         const double d = std::hypot(p.x - x, p.y - y);
@@ -79,11 +101,13 @@ void offerBrightStars(Best& best, const ChartView& view, const SkyFrame& frame, 
     }
 }
 
-void offerDeepSky(Best& best, const ChartView& view, const SkyFrame& frame, int x, int y, int tolerancePx) {
+void offerDeepSky(Best& best, const ChartView& view, const SkyFrame& frame, const TapBand& band, int x, int y,
+                  int tolerancePx) {
     const float limit = objectMagnitudeLimit(view.zoomLevel);
     const double pixelsPerArcmin = std::min(view.width, view.height) / (fieldOfViewDeg(view.zoomLevel) * 60.0);
     for (const ChartObject& object : chartObjects()) {
         if (object.mag == 0 ? limit < kNoObjectLimit : object.mag > limit) continue;  // as the chart draws them
+        if (band.excludes(object.decDeg, 3.0 * object.majorArcmin / 120.0)) continue;
         ScreenPoint p;
         if (!skyToScreen(view, frame, object.raHours, object.decDeg, p)) continue;
         const double d = std::hypot(p.x - x, p.y - y);
@@ -146,9 +170,10 @@ void offerFieldStars(Best& best, int x, int y, int tolerancePx) {
 IdentifiedObject identify(const ChartView& view, double jdUt, bool precess, int x, int y, int tolerancePx) {
     Best best;
     const SkyFrame frame = precess ? skyFrameForDate(jdUt) : SkyFrame{};
-    offerBrightStars(best, view, frame, x, y, tolerancePx);
+    const TapBand band = tapBand(view, frame, x, y, tolerancePx);
+    offerBrightStars(best, view, frame, band, x, y, tolerancePx);
     offerFieldStars(best, x, y, tolerancePx);
-    offerDeepSky(best, view, frame, x, y, tolerancePx);
+    offerDeepSky(best, view, frame, band, x, y, tolerancePx);
     if (gSolarSystemSpots) {
         for (DrawnSpot& spot : gSolarSystemSpots(view, jdUt)) {
             const double d = std::hypot(spot.object.x - x, spot.object.y - y);
