@@ -134,12 +134,25 @@ bool lookupSecondary(int catalogCode, int32_t number, ObjectRecord& out) {
     return it != numbers.end() && readObject(static_cast<uint16_t>(it->second), out);
 }
 
+// Any designation the name index holds: an object's own and its other catalogue numbers
+// (which point to the same record: "Mel 22" is the record of M45).
+bool lookupAnyDesignation(int catalogCode, int32_t number, ObjectRecord& out) {
+    if (lookupObject(catalogCode, number, out)) return true;  // the object's own designation
+    const int32_t key = objectIndexKey(catalogCode, number);
+    if (key < 0 || !objectIndexSlot().isOpen()) return false;
+    const int found = findObjectIndex(key);
+    ObjectIndexRecord entry;
+    if (found < 0 || !readObjectIndexRecord(static_cast<uint16_t>(found), entry)) return false;
+    if (entry.key != key || entry.catalog != catalogCode || entry.number != number || entry.objectRecord < 0) return false;
+    return readObject(static_cast<uint16_t>(entry.objectRecord), out);
+}
+
 bool findDeepSky(const ObjectNameQuery& query, FoundObject& out) {
     if (!objectSlot().isOpen() && !openObjectFiles()) return false;
     ObjectRecord object;
     const bool secondary = query.catalogCode == kCatalogMessier || query.catalogCode == kCatalogCaldwell;
     if (!(secondary ? lookupSecondary(query.catalogCode, query.number, object)
-                    : lookupObject(query.catalogCode, query.number, object))) {
+                    : lookupAnyDesignation(query.catalogCode, query.number, object))) {
         reportNotFound(designation(query.catalogCode, query.number));
         return false;
     }

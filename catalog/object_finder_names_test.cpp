@@ -49,6 +49,8 @@ TEST_F(FinderNamesTest, TypedNamesFindTheirObject) {
         {"alpha Lyr", kCatalogHipparcos, 91262}, {"α Lyr", kCatalogHipparcos, 91262},
         {"alf Lyr", kCatalogHipparcos, 91262}, {"ALPHA LYR", kCatalogHipparcos, 91262},
         {"61 Cyg", kCatalogHipparcos, 104214},  {"58 Ori", kCatalogHipparcos, 27989},
+        // Other catalogue numbers of an object lead to its record (M45 is kept as Cr 42).
+        {"Mel 22", 11, 42},                  {"M 45", 11, 42},                    {"Pleiades", 11, 42},
     };
     for (const auto& c : cases) {
         FoundObject found;
@@ -75,6 +77,10 @@ TEST_F(FinderNamesTest, DesignationsListEveryName) {
     const auto names = objectDesignations(found);
     for (const char* expected : {"M42", "NGC1976", "Orion Nebula"})
         EXPECT_NE(std::find(names.begin(), names.end(), expected), names.end()) << expected;
+    ASSERT_TRUE(findObjectByName("Pleiades", found));
+    const auto pleiades = objectDesignations(found);
+    for (const char* expected : {"M45", "Cr42", "Mel22"})
+        EXPECT_NE(std::find(pleiades.begin(), pleiades.end(), expected), pleiades.end()) << expected;
     ASSERT_TRUE(findObjectByName("Vega", found));
     const auto star = objectDesignations(found);
     for (const char* expected : {"Vega", "HIP91262", "HR7001", "alf Lyr", "3 Lyr"})
