@@ -263,7 +263,7 @@ std::vector<std::string> objectDesignations(const FoundObject& object) {
         start = end + 2;
     }
     if (object.catalogCode == kCatalogHipparcos || object.catalogCode == kCatalogHR) {
-        DefaultStarRecord star;
+        DefaultStarRecord star{};
         if (matchingDefaultStar(object.catalogCode, object.number, star)) {
             if (star.hip > 0) addUnique(list, "HIP" + std::to_string(star.hip));
             if (star.hr > 0) addUnique(list, "HR" + std::to_string(star.hr));
