@@ -38,9 +38,15 @@ bool readDigits(std::string_view& text, int64_t& value) {
     return n > 0;
 }
 
+// Blanks, or one '-' written against the prefix ("Sh2-155"). A '-' after a blank is a minus
+// sign ("HIP -1"): the rest is then left unreadable, as numbers are never negative.
 std::string_view skipSeparator(std::string_view rest) {
+    const bool blank = !rest.empty() && rest.front() == ' ';
     while (!rest.empty() && rest.front() == ' ') rest.remove_prefix(1);
-    if (!rest.empty() && rest.front() == '-') rest.remove_prefix(1);
+    if (!rest.empty() && rest.front() == '-') {
+        if (blank) return rest;
+        rest.remove_prefix(1);
+    }
     while (!rest.empty() && rest.front() == ' ') rest.remove_prefix(1);
     return rest;
 }

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
+#include <map>
 #include <string>
 
 #include "catalog/catalogues.h"
 #include "catalog/constellations.h"
+#include "catalog/name_index.h"
 #include "catalog/name_query.h"
 #include "catalog/object_index_key.h"
 #include "catalog/object_tables.h"
@@ -21,6 +23,16 @@ namespace {
 constexpr int kStarType = 30;  // "1STAR"
 constexpr int kHipLevel = 4;   // nocturnel_hip_110k.ppc
 constexpr int kHrLevel = 0;    // nocturnel_hr.ppc
+
+SolarSystemFinder gSolarSystemFind = nullptr;
+SolarSystemSuggester gSolarSystemSuggest = nullptr;
+
+std::string_view trimmed(std::string_view text) {
+    while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
+    while (!text.empty() && (text.back() == ' ' || text.back() == '\t' || text.back() == '\n' || text.back() == '\r'))
+        text.remove_suffix(1);
+    return text;
+}
 
 bool fileExists(const char* name) {
     std::error_code ec;
@@ -95,10 +107,52 @@ bool findStar(const ObjectNameQuery& query, FoundObject& out) {
     return true;
 }
 
+// Messier and Caldwell numbers are not in the name index: their records are found by one scan
+// of the object file, remembered for the file that is open.
+struct SecondaryNumbers {
+    const void* file = nullptr;
+    int records = -1;
+    std::map<int, int> messier, caldwell;  // number -> record
+};
+
+bool lookupSecondary(int catalogCode, int32_t number, ObjectRecord& out) {
+    static SecondaryNumbers cache;
+    DatabaseSlot& slot = objectSlot();
+    if (cache.file != slot.file.get() || cache.records != recordCount(slot)) {
+        cache = SecondaryNumbers{slot.file.get(), recordCount(slot), {}, {}};
+        for (int i = 0; i < cache.records; ++i) {
+            const uint8_t* bytes = recordSize(slot) >= sizeof(ObjectRecord) ? fetchRecord(slot, static_cast<uint32_t>(i)) : nullptr;
+            if (!bytes) break;
+            ObjectRecord o;
+            std::memcpy(&o, bytes, sizeof o);
+            if (o.messier > 0) cache.messier.emplace(o.messier, i);
+            if (o.caldwell > 0) cache.caldwell.emplace(o.caldwell, i);
+        }
+    }
+    const auto& numbers = catalogCode == kCatalogMessier ? cache.messier : cache.caldwell;
+    const auto it = numbers.find(number);
+    return it != numbers.end() && readObject(static_cast<uint16_t>(it->second), out);
+}
+
+// Any designation the name index holds: an object's own and its other catalogue numbers
+// (which point to the same record: "Mel 22" is the record of M45).
+bool lookupAnyDesignation(int catalogCode, int32_t number, ObjectRecord& out) {
+    if (lookupObject(catalogCode, number, out)) return true;  // the object's own designation
+    const int32_t key = objectIndexKey(catalogCode, number);
+    if (key < 0 || !objectIndexSlot().isOpen()) return false;
+    const int found = findObjectIndex(key);
+    ObjectIndexRecord entry;
+    if (found < 0 || !readObjectIndexRecord(static_cast<uint16_t>(found), entry)) return false;
+    if (entry.key != key || entry.catalog != catalogCode || entry.number != number || entry.objectRecord < 0) return false;
+    return readObject(static_cast<uint16_t>(entry.objectRecord), out);
+}
+
 bool findDeepSky(const ObjectNameQuery& query, FoundObject& out) {
     if (!objectSlot().isOpen() && !openObjectFiles()) return false;
     ObjectRecord object;
-    if (!lookupObject(query.catalogCode, query.number, object)) {
+    const bool secondary = query.catalogCode == kCatalogMessier || query.catalogCode == kCatalogCaldwell;
+    if (!(secondary ? lookupSecondary(query.catalogCode, query.number, object)
+                    : lookupAnyDesignation(query.catalogCode, query.number, object))) {
         reportNotFound(designation(query.catalogCode, query.number));
         return false;
     }
@@ -117,22 +171,134 @@ bool findDeepSky(const ObjectNameQuery& query, FoundObject& out) {
                             ? object.constellation : constellationOf(object.raHours, object.decDeg);
     return true;
 }
-}  // namespace
 
-bool findObjectByName(std::string_view text, FoundObject& out) {
-    out = {};
-    ObjectNameQuery query;
-    if (!parseObjectName(text, query)) {
-        showMessage("Unknown object name",
-                    "Write a catalogue prefix and a number, for example NGC 224, M 31, HIP 91262 or TYC 4662-1234-1.");
-        return false;
-    }
+bool findByDesignation(const ObjectNameQuery& query, FoundObject& out) {
     const int code = query.catalogCode;
     if (code == kCatalogHipparcos || code == kCatalogHR || code == kCatalogTycho) return findStar(query, out);
     if (code == kCatalogMessier || code == kCatalogCaldwell || catalogIndexRank(code) >= 0) return findDeepSky(query, out);
     showMessage("Object not found",
                 std::string("Objects of the ") + kCatalogDefinitions[code].name + " catalogue cannot be found by number.");
     return false;
+}
+
+// Record of the object file holding a deep-sky object: through the name index when its
+// catalogue is indexed, else by scanning the records.
+int objectRecordOf(int catalogCode, int32_t number) {
+    if (!objectSlot().isOpen()) return -1;
+    const int fitting = recordCount(objectSlot()) < 2000 ? 0 : 2;  // the index that fits the open object file
+    if (openObjectIndexSize() != fitting || !objectIndexSlot().isOpen()) openObjectIndexForSize(fitting);
+    const int32_t key = objectIndexKey(catalogCode, number);
+    if (key >= 0) {
+        const int found = findObjectIndex(key);
+        ObjectIndexRecord entry;
+        if (found >= 0 && readObjectIndexRecord(static_cast<uint16_t>(found), entry) && entry.key == key) return entry.objectRecord;
+    }
+    const int count = recordCount(objectSlot());
+    for (int i = 0; i < count; ++i) {
+        ObjectRecord o;
+        if (!readObject(static_cast<uint16_t>(i), o)) return -1;
+        if (o.catalog == catalogCode && o.number == number) return i;
+    }
+    return -1;
+}
+
+void addUnique(std::vector<std::string>& list, const std::string& text) {
+    if (!text.empty() && std::find(list.begin(), list.end(), text) == list.end()) list.push_back(text);
+}
+}  // namespace
+
+void setSolarSystemFinder(SolarSystemFinder find, SolarSystemSuggester suggest) {
+    gSolarSystemFind = find;
+    gSolarSystemSuggest = suggest;
+}
+
+bool findObjectByName(std::string_view text, FoundObject& out) {
+    out = {};
+    const std::string_view name = trimmed(text);
+    ObjectNameQuery query;
+    if (parseObjectName(name, query)) {
+        if (!findByDesignation(query, out)) return false;
+        if (query.catalogCode != kCatalogTycho) {
+            const auto names = entriesFor(out.catalogCode == kCatalogHR ? -1 : out.catalogCode, out.number);
+            if (!names.empty()) out.commonName = names.front()->name;
+        }
+        return true;
+    }
+    if (!name.empty() && gSolarSystemFind && gSolarSystemFind(name, out)) return true;
+    const auto entries = entriesNamed(name);
+    if (!entries.empty()) {
+        const NameEntry& entry = *entries.front();
+        if (entry.catalog < 0 || entry.catalog >= kCatalogCount || entry.number <= 0) return false;
+        if (!findByDesignation(ObjectNameQuery{entry.catalog, entry.number}, out)) return false;
+        out.commonName = entry.name;
+        return true;
+    }
+    showMessage("Unknown object name",
+                "Write a catalogue prefix and a number or a name, for example NGC 224, M 31, HIP 91262, "
+                "TYC 4662-1234-1, Orion Nebula or alpha Lyr.");
+    return false;
+}
+
+std::vector<std::string> suggestObjectNames(std::string_view prefix, std::size_t limit) {
+    std::vector<std::string> out;
+    const std::string_view typed = trimmed(prefix);
+    if (typed.empty() || limit == 0) return out;
+    if (gSolarSystemSuggest)
+        for (const std::string& s : gSolarSystemSuggest(typed, limit))
+            if (out.size() < limit) addUnique(out, s);
+    for (const NameEntry* e : entriesStartingWith(typed, limit * 2)) {
+        if (out.size() >= limit) break;
+        addUnique(out, e->name);
+    }
+    return out;
+}
+
+std::vector<std::string> objectDesignations(const FoundObject& object) {
+    std::vector<std::string> list;
+    std::size_t start = 0;
+    while (start < object.name.size()) {
+        std::size_t end = object.name.find(", ", start);
+        if (end == std::string::npos) end = object.name.size();
+        addUnique(list, object.name.substr(start, end - start));
+        start = end + 2;
+    }
+    if (object.catalogCode == kCatalogHipparcos || object.catalogCode == kCatalogHR) {
+        DefaultStarRecord star{};
+        if (matchingDefaultStar(object.catalogCode, object.number, star)) {
+            if (star.hip > 0) addUnique(list, "HIP" + std::to_string(star.hip));
+            if (star.hr > 0) addUnique(list, "HR" + std::to_string(star.hr));
+        }
+        const int32_t hip = object.catalogCode == kCatalogHipparcos ? object.number : (star.hip > 0 ? star.hip : -1);
+        for (const NameEntry* e : entriesFor(kCatalogHipparcos, hip)) addUnique(list, e->name);
+        return list;
+    }
+    if (object.catalogCode == kCatalogTycho || object.catalogCode < 0) return list;
+    const int record = object.objectRecord >= 0 ? object.objectRecord : objectRecordOf(object.catalogCode, object.number);
+    if (record >= 0 && objectIndexSlot().isOpen()) {
+        const int count = recordCount(objectIndexSlot());
+        for (int i = 0; i < count; ++i) {
+            ObjectIndexRecord entry;
+            if (!readObjectIndexRecord(static_cast<uint16_t>(i), entry)) break;
+            if (entry.objectRecord != record || entry.catalog <= 0 || entry.catalog >= kCatalogCount) continue;
+            addUnique(list, designation(entry.catalog, entry.number));
+        }
+    }
+    for (const NameEntry* e : entriesFor(object.catalogCode, object.number)) addUnique(list, e->name);
+    return list;
+}
+
+std::string objectDescription(const FoundObject& object) {
+    if (object.catalogCode == kCatalogHipparcos || object.catalogCode == kCatalogHR || object.catalogCode == kCatalogTycho)
+        return {};
+    const int record = object.objectRecord >= 0 ? object.objectRecord : objectRecordOf(object.catalogCode, object.number);
+    ObjectRecord o;
+    if (record < 0 || !readObject(static_cast<uint16_t>(record), o) || o.description < 0) return {};
+    DatabaseSlot& descriptions = objectDescriptionSlot();
+    if (!descriptions.isOpen())
+        openDatabase(descriptions, kObjectDescriptionType, kCreator, 0, kDataFolder, "nocturnel_obj_18k_desc.ppc");
+    ObjectDescriptionRecord d;
+    if (!readObjectDescription(static_cast<uint16_t>(o.description), d)) return {};
+    return d.text;
 }
 
 }  // namespace nocturnel

@@ -73,7 +73,7 @@ TEST(ObjectNameQueries, PrefixesAreMatchedLongestFirstIgnoringCase) {
 
 TEST(ObjectNameQueries, UnreadableNamesAreRefused) {
     for (const char* text : {"", "   ", "Vega", "NGC", "NGC --5", "NGC - 5x", "NGC 0", "NGC 12x", "M 31 b", "XYZ 12",
-                             "NGC 1234567890", "TYC 4662-1234-2", "TYC 4662", "TYC 0-5-1", "TYC 12000-1-1",
+                             "NGC 1234567890", "TYC 4662-1234-2", "TYC 4662", "TYC 0-5-1", "TYC 12000-1-1", "HIP -1", "NGC -5", "M  -42",
                              "None 5"}) {
         ObjectNameQuery q;
         EXPECT_FALSE(parseObjectName(text, q)) << text;

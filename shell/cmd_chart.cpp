@@ -16,6 +16,7 @@
 #include "settings/preferences.h"
 #include "settings/message.h"
 #include "shell/app.h"
+#include "shell/identify_json.h"
 #include "shell/commands.h"
 #include "shell/option_checks.h"
 #include "shell/target_names.h"
@@ -125,10 +126,12 @@ void runChart(const ChartOptions& o) {
         double raDate = 0, decDate = 0, ra = 0, dec = 0;
         screenToSky(view, x, y, raDate, decDate);
         dateToJ2000(skyFrameForDate(jd), raDate, decDate, ra, dec);
+        const IdentifiedObject there = openChartCatalogues() ? identifyAt(request, x, y) : IdentifiedObject{};
         if (json)
-            std::cout << nlohmann::json{{"ra", ra}, {"dec", dec}}.dump() << "\n";
+            std::cout << nlohmann::json{{"ra", ra}, {"dec", dec}, {"object", identifiedObjectJson(there)}}.dump() << "\n";
         else
-            std::cout << "RA " << toUtf8(hoursText(ra)) << "  Dec " << toUtf8(degreesText(dec)) << " (J2000)\n";
+            std::cout << "RA " << toUtf8(hoursText(ra)) << "  Dec " << toUtf8(degreesText(dec)) << " (J2000)\n"
+                      << identifiedObjectText(there) << "\n";
         return;
     }
     if (o.output.empty()) {

@@ -1,4 +1,5 @@
-// nocturnel find NAME: any catalogued object by catalogue prefix and number.
+// nocturnel find NAME: any catalogued object by catalogue and number, common name, Bayer or
+// Flamsteed designation; nocturnel find --suggest PREFIX: the names starting with a prefix.
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -51,6 +52,8 @@ void printObject(const FoundObject& object) {
     const std::string constellation = constellationName(object.constellation);
     const std::string size = sizeText(object);
     std::cout << object.name << "\n";
+    if (!object.commonName.empty() && object.name.find(object.commonName) == std::string::npos)
+        std::cout << "Name:          " << object.commonName << "\n";
     std::cout << "Type:          " << objectTypeName(object.typeCode) << "\n";
     std::cout << "RA (J2000):    " << toUtf8(hoursText(object.raHours)) << "\n";
     std::cout << "Dec (J2000):   " << declinationText(object.decDeg) << "\n";
@@ -69,6 +72,7 @@ void printJson(const FoundObject& object) {
     const bool known = object.catalogCode >= 0 && object.catalogCode < kCatalogCount;
     nlohmann::json j;
     j["name"] = object.name;
+    j["commonName"] = object.commonName;
     j["catalog"] = known ? kCatalogDefinitions[object.catalogCode].prefix : "";
     j["catalogName"] = known ? kCatalogDefinitions[object.catalogCode].name : "";
     j["number"] = object.number;
@@ -86,12 +90,23 @@ void printJson(const FoundObject& object) {
 
 void registerFindCommand(CLI::App& app) {
     auto words = std::make_shared<std::vector<std::string>>();
+    auto suggest = std::make_shared<std::string>();
+    auto limit = std::make_shared<int>(10);
     CLI::App* find = app.add_subcommand(
-        "find", "Find an object by catalogue and number: \"NGC 224\", \"M 31\", \"HIP 91262\", \"HR 2491\", \"TYC 4662-1234-1\"");
-    find->add_option("name", *words, "Catalogue prefix and number (one or more words)")->required();
-    find->callback([words] {
+        "find", "Find an object by catalogue and number, name or Bayer/Flamsteed designation: \"NGC 224\", \"m42\", "
+                "\"HIP 91262\", \"Orion Nebula\", \"alpha Lyr\", \"61 Cyg\"");
+    find->add_option("name", *words, "Catalogue prefix and number, or a name (one or more words)");
+    find->add_option("--suggest", *suggest, "List the names starting with this prefix instead");
+    find->add_option("--limit", *limit, "Most names --suggest lists")->check(CLI::Range(1, 1000));
+    find->callback([words, suggest, limit] {
         if (!startUp()) {
             setExitCode(1);
+            return;
+        }
+        if (!suggest->empty()) {
+            const std::vector<std::string> names = suggestObjectNames(*suggest, static_cast<std::size_t>(*limit));
+            if (globalOptions().json) std::cout << nlohmann::json(names).dump(2) << "\n";
+            else for (const std::string& n : names) std::cout << n << "\n";
             return;
         }
         std::string name;

@@ -28,6 +28,7 @@ void registerAllCommands(CLI::App& app) {
     registerChartCommand(app);
     registerScopeCommand(app);
     registerAlignCommand(app);
+    registerInfoCommand(app);
 }
 
 bool jsonRequested(const std::vector<std::string>& words) {

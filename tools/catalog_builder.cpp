@@ -12,6 +12,7 @@
 #include "tools/build_checks.h"
 #include "tools/constellation_lookup.h"
 #include "tools/eyepiece_file.h"
+#include "tools/name_file.h"
 #include "tools/object_files.h"
 #include "tools/record_io.h"
 #include "tools/sources.h"
@@ -345,6 +346,7 @@ int buildCatalogues(const BuildOptions& options, BuildReport* reportOut) {
         writer.write("nocturnel_obj_1k_idx.ppc", 1, objectFiles.smallIndex) &&
         writeConstellations(writer, stars.constellations) &&
         writer.write("nocturnel_eyepiece.ppc", 1, eyepieceRecords()) &&
+        writer.write(kNameFile, kNameFileVersion, buildNameRecords(objectFiles, stars.names)) &&
         (options.tycho2File.empty() || writeTycho(writer, options.tycho2File));
     if (!written) return 1;
     if (!writeWholeFile(stage / "SOURCES", sourcesText(paths, dso, !options.tycho2File.empty()))) {
