@@ -6,6 +6,7 @@
 
 #include "catalog/constellations.h"
 #include "catalog/object_tables.h"
+#include "chart/label_layout.h"
 #include "chart/sky_objects.h"
 #include "core/angle_text.h"
 #include "core/nutation.h"
@@ -100,6 +101,8 @@ ChartPalette chartPalette(int background, int lineColor) {
     p.nebula = white ? Rgb3{0.05, 0.50, 0.10} : Rgb3{0.40, 0.90, 0.50};
     p.cluster = white ? Rgb3{0.60, 0.50, 0.00} : Rgb3{0.95, 0.85, 0.30};
     p.otherObject = white ? Rgb3{0.30, 0.30, 0.30} : Rgb3{0.70, 0.70, 0.70};
+    p.starName = white ? Rgb3{0.15, 0.15, 0.35} : Rgb3{0.75, 0.80, 0.95};
+    p.milkyWay = white ? Rgb3{0.45, 0.50, 0.65} : Rgb3{0.55, 0.62, 0.80};
     return p;
 }
 
@@ -119,6 +122,26 @@ bool LabelGrid::claim(double left, double top, double width, double height) {
     for (int r = r0; r <= r1; ++r)
         for (int c = c0; c <= c1; ++c) used_[static_cast<std::size_t>(r) * columns_ + c] = 1;
     return true;
+}
+
+void LabelGrid::mark(double left, double top, double width, double height) {
+    const int c0 = std::max(0, static_cast<int>(std::floor(left / cell_)));
+    const int c1 = std::min(columns_ - 1, static_cast<int>(std::floor((left + width) / cell_)));
+    const int r0 = std::max(0, static_cast<int>(std::floor(top / cell_)));
+    const int r1 = std::min(rows_ - 1, static_cast<int>(std::floor((top + height) / cell_)));
+    for (int r = r0; r <= r1; ++r)
+        for (int c = c0; c <= c1; ++c) used_[static_cast<std::size_t>(r) * columns_ + c] = 1;
+}
+
+bool LabelGrid::taken(double left, double top, double width, double height) const {
+    const int c0 = std::max(0, static_cast<int>(std::floor(left / cell_)));
+    const int c1 = std::min(columns_ - 1, static_cast<int>(std::floor((left + width) / cell_)));
+    const int r0 = std::max(0, static_cast<int>(std::floor(top / cell_)));
+    const int r1 = std::min(rows_ - 1, static_cast<int>(std::floor((top + height) / cell_)));
+    for (int r = r0; r <= r1; ++r)
+        for (int c = c0; c <= c1; ++c)
+            if (used_[static_cast<std::size_t>(r) * columns_ + c]) return true;
+    return false;
 }
 
 bool placeLabel(const LayerContext& ctx, const std::string& text, double x, double y, const Rgb3& colour) {
@@ -141,13 +164,13 @@ bool skyToScreen(const ChartView& view, const SkyFrame& frame, double raHours, d
     return true;
 }
 
-void drawBackground(const LayerContext& ctx) {
+namespace {
+
+// The sky's outline as the current path: the horizon circle, or the band above the horizon.
+void skyPath(const LayerContext& ctx) {
     cairo_t* cr = ctx.cr;
-    setColour(cr, ctx.palette.ground);
-    cairo_paint(cr);
-    setColour(cr, ctx.palette.sky);
+    cairo_new_path(cr);
     if (ctx.view.projectionMode == 0) {
-        // The sky is the inside of the horizon circle.
         bool first = true;
         for (int az = 0; az <= 360; ++az) {
             const MaybePoint p = horizontalPoint(ctx.view, az, 0);
@@ -157,14 +180,27 @@ void drawBackground(const LayerContext& ctx) {
             first = false;
         }
         cairo_close_path(cr);
-        cairo_fill(cr);
     } else {
         const MaybePoint horizon = horizontalPoint(ctx.view, ctx.view.centreAzDeg, 0);
         const double y = horizon ? std::clamp(static_cast<double>(horizon->y), 0.0, static_cast<double>(ctx.view.height))
                                  : ctx.view.height;
         cairo_rectangle(cr, 0, 0, ctx.view.width, y);
-        cairo_fill(cr);
     }
+}
+
+}  // namespace
+
+void drawBackground(const LayerContext& ctx) {
+    setColour(ctx.cr, ctx.palette.ground);
+    cairo_paint(ctx.cr);
+    setColour(ctx.cr, ctx.palette.sky);
+    skyPath(ctx);
+    cairo_fill(ctx.cr);
+}
+
+void clipToSky(const LayerContext& ctx) {
+    skyPath(ctx);
+    cairo_clip(ctx.cr);
 }
 
 void drawAltAzGrid(const LayerContext& ctx) {
@@ -244,7 +280,7 @@ void drawConstellationNames(const LayerContext& ctx) {
     }
 }
 
-void drawDeepSkyObjects(const LayerContext& ctx, float magnitudeLimit, bool names) {
+void drawDeepSkyObjects(const LayerContext& ctx, float magnitudeLimit, std::vector<ChartLabel>* labels) {
     cairo_t* cr = ctx.cr;
     const double pixelsPerArcmin =
         std::min(ctx.view.width, ctx.view.height) / (fieldOfViewDeg(ctx.view.zoomLevel) * 60.0);
@@ -307,8 +343,60 @@ void drawDeepSkyObjects(const LayerContext& ctx, float magnitudeLimit, bool name
                 cairo_stroke(cr);
                 break;
         }
-        if (names) placeLabel(ctx, object.name, x + major - 2, y, ctx.palette.text);
+        if (labels != nullptr) {
+            ChartLabel label;
+            label.text = object.name;
+            label.x = x;
+            label.y = y;
+            label.clearance = group == 1 || group == 2 || group == 3 || group == 4 ? major : 3;  // at a large object's edge
+            label.rank = object.messier > 0 ? 0 : object.caldwell > 0 ? 1 : 2;
+            label.mag = object.mag != 0 ? object.mag : 99;
+            label.colour = ctx.palette.text;
+            labels->push_back(std::move(label));
+            reserveSymbol(ctx.labels, x, y, 2 * ctx.view.screenFactor);
+        }
     }
+}
+
+namespace {
+
+struct CompassPoint {
+    const char* text;
+    ScreenPoint at;
+};
+
+// The compass points shown: all eight on the widest stereographic chart and in the panorama,
+// the four cardinal ones otherwise; each at its azimuth just above the horizon, once.
+std::vector<CompassPoint> compassPoints(const ChartView& view) {
+    static constexpr std::array<const char*, 8> kPoints = {"N", "NE", "E", "SE", "S", "SW", "W", "NW"};
+    std::vector<CompassPoint> points;
+    const double lift = fieldOfViewDeg(view.zoomLevel) * 0.035;
+    for (std::size_t i = 0; i < kPoints.size(); ++i) {
+        if (i % 2 == 1 && view.zoomLevel > 0 && view.projectionMode == 0) continue;
+        const MaybePoint p = horizontalPoint(view, i * 45.0, lift);
+        if (!p || !insideClip(view, p->x, p->y)) continue;
+        points.push_back({kPoints[i], *p});
+    }
+    return points;
+}
+
+void selectCompassFont(const LayerContext& ctx) {
+    cairo_select_font_face(ctx.cr, "sans-serif", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_BOLD);
+    cairo_set_font_size(ctx.cr, ctx.fontSize + 2 * ctx.view.screenFactor);
+}
+
+}  // namespace
+
+void reserveCompassPoints(const LayerContext& ctx) {
+    cairo_save(ctx.cr);
+    selectCompassFont(ctx);
+    for (const CompassPoint& point : compassPoints(ctx.view)) {
+        cairo_text_extents_t extents;
+        cairo_text_extents(ctx.cr, point.text, &extents);
+        ctx.labels.mark(point.at.x - extents.x_advance / 2 - 2, point.at.y - extents.height / 2 - 2,
+                        extents.x_advance + 4, extents.height + 4);
+    }
+    cairo_restore(ctx.cr);
 }
 
 void drawHorizonAndCompass(const LayerContext& ctx, bool compass) {
@@ -318,21 +406,14 @@ void drawHorizonAndCompass(const LayerContext& ctx, bool compass) {
     for (int i = 0; i <= 720; ++i) points.push_back(horizontalPoint(ctx.view, i * 0.5, 0));
     strokeCurve(ctx, points);
     if (!compass) return;
-    static constexpr std::array<const char*, 8> kPoints = {"N", "NE", "E", "SE", "S", "SW", "W", "NW"};
     cairo_save(ctx.cr);
-    cairo_select_font_face(ctx.cr, "sans-serif", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_BOLD);
-    cairo_set_font_size(ctx.cr, ctx.fontSize + 2);
-    const double lift = fieldOfViewDeg(ctx.view.zoomLevel) * 0.035;
-    for (std::size_t i = 0; i < kPoints.size(); ++i) {
-        if (i % 2 == 1 && ctx.view.zoomLevel > 0 && ctx.view.projectionMode == 0) continue;
-        const MaybePoint p = horizontalPoint(ctx.view, i * 45.0, lift);
-        if (!p || !insideClip(ctx.view, p->x, p->y)) continue;
+    selectCompassFont(ctx);
+    for (const CompassPoint& point : compassPoints(ctx.view)) {
         cairo_text_extents_t extents;
-        cairo_text_extents(ctx.cr, kPoints[i], &extents);
+        cairo_text_extents(ctx.cr, point.text, &extents);
         setColour(ctx.cr, ctx.palette.horizon);
-        cairo_move_to(ctx.cr, p->x - extents.x_advance / 2, p->y + extents.height / 2);
-        cairo_show_text(ctx.cr, kPoints[i]);
-        ctx.labels.claim(p->x - extents.x_advance / 2, p->y - extents.height / 2, extents.x_advance, extents.height);
+        cairo_move_to(ctx.cr, point.at.x - extents.x_advance / 2, point.at.y + extents.height / 2);
+        cairo_show_text(ctx.cr, point.text);
     }
     cairo_restore(ctx.cr);
 }

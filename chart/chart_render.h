@@ -35,6 +35,10 @@ struct ChartRequest {
     int width = 800, height = 800;        // pixels
     int zoomLevel = 0;                    // 0..12
     int projectionMode = 0;               // 0 stereographic, 1 rectangular alt-az
+    // Screen resolution factor: 1, or 2 on a high-density screen (the browser's device pixel
+    // ratio rounded); width and height are then device pixels and stars, labels and lines are
+    // drawn at double density.
+    int resolutionFactor = 1;
     // View rotation (azimuth at the top of a mode 0 chart). Unset: facing the given centre's
     // azimuth (that azimuth at the bottom), or south without a centre.
     std::optional<int> rotationDeg;
