@@ -43,12 +43,16 @@ MaybePoint equatorialPoint(const ChartView& view, const SkyFrame& frame, double 
 
 // Strokes a sampled curve, broken where a point is missing or the panorama wraps.
 void strokeCurve(const LayerContext& ctx, const std::vector<MaybePoint>& points) {
-    const double jump = ctx.view.projectionMode != 0 ? ctx.view.width / 2.0 : 1e9;
+    const int period = chartPeriodPixels(ctx.view);
     bool open = false;
     MaybePoint previous;
-    for (const MaybePoint& p : points) {
-        if (!p || (previous && std::fabs(static_cast<double>(p->x - previous->x)) > jump)) {
-            open = false;
+    for (MaybePoint p : points) {
+        if (!p) open = false;
+        // In the panorama a point moved a whole period away continues the curve from the
+        // previous one's turn of azimuth.
+        if (p && previous && period > 0) {
+            while (p->x - previous->x > period / 2) p->x -= period;
+            while (previous->x - p->x > period / 2) p->x += period;
         }
         if (p) {
             if (open)
@@ -258,9 +262,16 @@ void drawConstellationLines(const LayerContext& ctx) {
     setColour(ctx.cr, ctx.palette.lines);
     for (const ConstellationSegment& s : data.segments) {
         const MaybePoint a = equatorialPoint(ctx.view, ctx.frame, s.raHours1, s.decDeg1);
-        const MaybePoint b = equatorialPoint(ctx.view, ctx.frame, s.raHours2, s.decDeg2);
+        MaybePoint b = equatorialPoint(ctx.view, ctx.frame, s.raHours2, s.decDeg2);
         if (!a || !b) continue;
-        if (ctx.view.projectionMode != 0 && std::abs(a->x - b->x) > ctx.view.width / 2) continue;
+        // In the panorama the second end is taken on the same turn of azimuth as the first (an
+        // end just off the chart's edge was moved a whole period away), so that a figure line
+        // leaving the chart is still drawn up to the edge.
+        const int period = chartPeriodPixels(ctx.view);
+        if (period > 0) {
+            while (b->x - a->x > period / 2) b->x -= period;
+            while (a->x - b->x > period / 2) b->x += period;
+        }
         cairo_move_to(ctx.cr, clampCoordinate(a->x), clampCoordinate(a->y));
         cairo_line_to(ctx.cr, clampCoordinate(b->x), clampCoordinate(b->y));
     }
@@ -353,7 +364,6 @@ void drawDeepSkyObjects(const LayerContext& ctx, float magnitudeLimit, std::vect
             label.mag = object.mag != 0 ? object.mag : 99;
             label.colour = ctx.palette.text;
             labels->push_back(std::move(label));
-            reserveSymbol(ctx.labels, x, y, 2 * ctx.view.screenFactor);
         }
     }
 }
@@ -373,8 +383,11 @@ std::vector<CompassPoint> compassPoints(const ChartView& view) {
     const double lift = fieldOfViewDeg(view.zoomLevel) * 0.035;
     for (std::size_t i = 0; i < kPoints.size(); ++i) {
         if (i % 2 == 1 && view.zoomLevel > 0 && view.projectionMode == 0) continue;
-        const MaybePoint p = horizontalPoint(view, i * 45.0, lift);
+        MaybePoint p = horizontalPoint(view, i * 45.0, lift);
         if (!p || !insideClip(view, p->x, p->y)) continue;
+        // Kept wholly on the chart (a letter on the edge is moved in by its half width).
+        const int margin = 8 * view.screenFactor;
+        p->x = std::clamp(p->x, view.clip.left + margin, std::max(view.clip.left + margin, view.clip.right - margin));
         points.push_back({kPoints[i], *p});
     }
     return points;
@@ -399,13 +412,14 @@ void reserveCompassPoints(const LayerContext& ctx) {
     cairo_restore(ctx.cr);
 }
 
-void drawHorizonAndCompass(const LayerContext& ctx, bool compass) {
+std::vector<CompassText> drawHorizonAndCompass(const LayerContext& ctx, bool compass) {
     cairo_set_line_width(ctx.cr, 1.5);
     setColour(ctx.cr, ctx.palette.horizon);
     std::vector<MaybePoint> points;
     for (int i = 0; i <= 720; ++i) points.push_back(horizontalPoint(ctx.view, i * 0.5, 0));
     strokeCurve(ctx, points);
-    if (!compass) return;
+    std::vector<CompassText> drawn;
+    if (!compass) return drawn;
     cairo_save(ctx.cr);
     selectCompassFont(ctx);
     for (const CompassPoint& point : compassPoints(ctx.view)) {
@@ -414,8 +428,11 @@ void drawHorizonAndCompass(const LayerContext& ctx, bool compass) {
         setColour(ctx.cr, ctx.palette.horizon);
         cairo_move_to(ctx.cr, point.at.x - extents.x_advance / 2, point.at.y + extents.height / 2);
         cairo_show_text(ctx.cr, point.text);
+        drawn.push_back({point.text, point.at.x - extents.x_advance / 2, point.at.y - extents.height / 2, extents.x_advance,
+                         extents.height});
     }
     cairo_restore(ctx.cr);
+    return drawn;
 }
 
 // Points of the circle of angular radius `radiusRad` around the chart's centre, sampled as the

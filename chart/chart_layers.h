@@ -62,8 +62,13 @@ struct ChartLabel;
 // Draws the deep-sky symbols; when `labels` is given, appends each drawn object's label and keeps
 // its centre free of other labels.
 void drawDeepSkyObjects(const LayerContext& ctx, float magnitudeLimit, std::vector<ChartLabel>* labels);
-// The horizon line, and the compass points (whose places are kept free of labels).
-void drawHorizonAndCompass(const LayerContext& ctx, bool compass);
+// The horizon line, and the compass points (whose places are kept free of labels); returns the
+// compass points drawn with their boxes.
+struct CompassText {
+    std::string text;
+    double left = 0, top = 0, width = 0, height = 0;
+};
+std::vector<CompassText> drawHorizonAndCompass(const LayerContext& ctx, bool compass);
 // Keeps the places of the compass points free of labels (before the labels are placed).
 void reserveCompassPoints(const LayerContext& ctx);
 // Rings of the given diameters (degrees) around the chart's centre.

@@ -94,6 +94,7 @@ ChartSurface renderChart(const ChartRequest& request, ChartResult& result) {
     labels.mark(0, 0, fontSize * 8, fontSize * 2.6);
     if (!box(kBoxHideInfoBar)) labels.mark(0, view.height - fontSize * 1.6, fontSize * 18, fontSize * 1.6);
     if (!box(kBoxHideCompass)) reserveCompassPoints(ctx);
+    if (request.tap) reserveSymbol(labels, request.tap->x, request.tap->y, kTapClearancePixels * view.screenFactor);
     const bool names = box(kBoxObjNames);
     std::vector<ChartLabel> chartLabels;
 
@@ -115,7 +116,7 @@ ChartSurface renderChart(const ChartRequest& request, ChartResult& result) {
         if (!skyToScreen(view, frame, star.raHours, star.decDeg, point)) continue;
         const int step = magnitudeStep(star.mag, view.screenFactor);
         painter.paintStar(surface.get(), view.zoomLevel, step, star.colour, point.x, point.y);
-        result.bright.push_back({star.hip, point.x, point.y});
+        result.bright.push_back({star.hip, point.x, point.y, star.mag});
         const double radius = starDiscDiameter(starSizeStep(starStyle, view.zoomLevel, step)) * view.screenFactor / 2;
         if (names) {
             ChartLabel label;
@@ -129,7 +130,8 @@ ChartSurface renderChart(const ChartRequest& request, ChartResult& result) {
                 chartLabels.push_back(std::move(label));
             }
         }
-        if (star.mag < 4.5) reserveSymbol(labels, point.x, point.y, std::max(2.0, radius * 0.6));
+        // The centres of the bright stars stay visible (and tappable) through the labels.
+        if (star.mag < kClearStarMagnitude) reserveSymbol(labels, point.x, point.y, 0.5);
     }
     result.fieldStars = loadFieldStars(
         view, starMagnitudeLimit(view.zoomLevel), true, frame,
@@ -137,9 +139,12 @@ ChartSurface renderChart(const ChartRequest& request, ChartResult& result) {
         request.stopRequested);
     cairo_surface_mark_dirty(surface.get());
 
-    placeLabels(ctx, chartLabels);
+    std::vector<PlacedLabel> placed;
+    placeLabels(ctx, chartLabels, &placed);
+    for (const PlacedLabel& l : placed) result.labels.push_back({l.text, l.left, l.top, l.width, l.height});
     if (box(kBoxConstNames)) drawConstellationNames(ctx);
-    drawHorizonAndCompass(ctx, !box(kBoxHideCompass));
+    for (const CompassText& c : drawHorizonAndCompass(ctx, !box(kBoxHideCompass)))
+        result.compass.push_back({c.text, c.left, c.top, c.width, c.height});
     if (box(kBoxTelrad)) drawTelradRings(ctx, p.telradRingDeg);
     if (box(kBoxEyepiece)) {
         EyepieceField eyepiece;

@@ -25,7 +25,13 @@ struct ChartLabel {
 bool labelComesFirst(const ChartLabel& a, const ChartLabel& b);
 // Keeps a small box around a symbol's centre free of labels.
 void reserveSymbol(LabelGrid& grid, double x, double y, double halfSide);
-// Sorts the labels by priority and draws each one that finds a free place; returns how many.
-int placeLabels(const LayerContext& ctx, std::vector<ChartLabel>& labels);
+// A label as drawn: its text (UTF-8) and box in pixels.
+struct PlacedLabel {
+    std::string text;
+    double left = 0, top = 0, width = 0, height = 0;
+};
+// Sorts the labels by priority and draws each one that finds a free place; appends what was
+// drawn to `placed` when given and returns how many.
+int placeLabels(const LayerContext& ctx, std::vector<ChartLabel>& labels, std::vector<PlacedLabel>* placed = nullptr);
 
 }  // namespace nocturnel

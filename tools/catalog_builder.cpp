@@ -252,7 +252,7 @@ std::string sourcesText(const SourcePaths& paths, const StellariumCatalogue& dso
     if (deepStars)
         text += "\nStellarium star catalogue, Debian package stellarium-data (usr/share/stellarium/stars/default/\n"
                 "stars_0 .. stars_3 *.cat: Hipparcos, Tycho-2 and NOMAD stars to about magnitude 10.5), GPL-2+.\n"
-                "  -> nocturnel_tycho_390k.ppc (the 390,000 brightest; no Tycho numbers, see the README).\n";
+                "  -> nocturnel_tycho_390k.ppc (all of them, about 600,000; no Tycho numbers, see the README).\n";
     if (tycho)
         text += "\nTycho-2 main catalogue (Hog et al. 2000, CDS I/259, tyc2.dat), supplied by the user.\n"
                 "  -> nocturnel_tycho_390k.ppc, nocturnel_tycho_2500k.ppc, nocturnel_tycho_idx.ppc.\n";

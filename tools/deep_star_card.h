@@ -1,7 +1,8 @@
 #pragma once
 // The "Tycho 390K" card (nocturnel_tycho_390k.ppc) made from Stellarium's star catalogue files
-// when no Tycho-2 file is given: the 390,000 brightest stars of stars_0 .. stars_3 (to about
-// magnitude 10.5), packed in blocks like every optional star file.
+// when no Tycho-2 file is given: every star of stars_0 .. stars_3 (about 600,000, to magnitude
+// 10.5: the card's name is the Tycho-2 card's it stands in for), packed in blocks like every
+// optional star file.
 //
 // Star numbers: these files carry no Tycho numbers, so a Hipparcos star keeps its HIP number and
 // every other star gets kDeepStarNumberBase + its rank by brightness (above any Tycho region x
@@ -15,7 +16,7 @@
 namespace nocturnel {
 
 inline constexpr int32_t kDeepStarNumberBase = 1000000000;
-inline constexpr size_t kDeepStarCardStars = 390000;
+inline constexpr size_t kDeepStarCardStars = 1000000;  // more than the files hold: all of them
 
 // stars_0_*.cat .. stars_3_*.cat of a Stellarium stars/default folder, in that order; empty
 // when the folder lacks any of them.
