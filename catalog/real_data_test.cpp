@@ -130,6 +130,8 @@ TEST_F(RealDataTest, EveryCatalogueStarIsFoundAgainByItsNumber) {
     int checked = 0;
     for (const File f : {File{4, false}, File{0, false}, File{5, true}, File{6, true}}) {
         if (!has(kStarCatalogFiles[f.level])) continue;
+        // A Tycho card made from Stellarium's catalogue carries no Tycho numbers and no index.
+        if (f.tycho && !has("nocturnel_tycho_idx.ppc")) continue;
         ASSERT_TRUE(openStarCatalogLevel(f.level));
         const uint32_t stars = starCatalogStarCount();
         MessageCapture messages;

@@ -6,6 +6,7 @@
 
 #include "catalog/constellations.h"
 #include "catalog/object_tables.h"
+#include "chart/label_layout.h"
 #include "chart/sky_objects.h"
 #include "core/angle_text.h"
 #include "core/nutation.h"
@@ -42,12 +43,16 @@ MaybePoint equatorialPoint(const ChartView& view, const SkyFrame& frame, double 
 
 // Strokes a sampled curve, broken where a point is missing or the panorama wraps.
 void strokeCurve(const LayerContext& ctx, const std::vector<MaybePoint>& points) {
-    const double jump = ctx.view.projectionMode != 0 ? ctx.view.width / 2.0 : 1e9;
+    const int period = chartPeriodPixels(ctx.view);
     bool open = false;
     MaybePoint previous;
-    for (const MaybePoint& p : points) {
-        if (!p || (previous && std::fabs(static_cast<double>(p->x - previous->x)) > jump)) {
-            open = false;
+    for (MaybePoint p : points) {
+        if (!p) open = false;
+        // In the panorama a point moved a whole period away continues the curve from the
+        // previous one's turn of azimuth.
+        if (p && previous && period > 0) {
+            while (p->x - previous->x > period / 2) p->x -= period;
+            while (previous->x - p->x > period / 2) p->x += period;
         }
         if (p) {
             if (open)
@@ -100,6 +105,8 @@ ChartPalette chartPalette(int background, int lineColor) {
     p.nebula = white ? Rgb3{0.05, 0.50, 0.10} : Rgb3{0.40, 0.90, 0.50};
     p.cluster = white ? Rgb3{0.60, 0.50, 0.00} : Rgb3{0.95, 0.85, 0.30};
     p.otherObject = white ? Rgb3{0.30, 0.30, 0.30} : Rgb3{0.70, 0.70, 0.70};
+    p.starName = white ? Rgb3{0.15, 0.15, 0.35} : Rgb3{0.75, 0.80, 0.95};
+    p.milkyWay = white ? Rgb3{0.45, 0.50, 0.65} : Rgb3{0.55, 0.62, 0.80};
     return p;
 }
 
@@ -119,6 +126,26 @@ bool LabelGrid::claim(double left, double top, double width, double height) {
     for (int r = r0; r <= r1; ++r)
         for (int c = c0; c <= c1; ++c) used_[static_cast<std::size_t>(r) * columns_ + c] = 1;
     return true;
+}
+
+void LabelGrid::mark(double left, double top, double width, double height) {
+    const int c0 = std::max(0, static_cast<int>(std::floor(left / cell_)));
+    const int c1 = std::min(columns_ - 1, static_cast<int>(std::floor((left + width) / cell_)));
+    const int r0 = std::max(0, static_cast<int>(std::floor(top / cell_)));
+    const int r1 = std::min(rows_ - 1, static_cast<int>(std::floor((top + height) / cell_)));
+    for (int r = r0; r <= r1; ++r)
+        for (int c = c0; c <= c1; ++c) used_[static_cast<std::size_t>(r) * columns_ + c] = 1;
+}
+
+bool LabelGrid::taken(double left, double top, double width, double height) const {
+    const int c0 = std::max(0, static_cast<int>(std::floor(left / cell_)));
+    const int c1 = std::min(columns_ - 1, static_cast<int>(std::floor((left + width) / cell_)));
+    const int r0 = std::max(0, static_cast<int>(std::floor(top / cell_)));
+    const int r1 = std::min(rows_ - 1, static_cast<int>(std::floor((top + height) / cell_)));
+    for (int r = r0; r <= r1; ++r)
+        for (int c = c0; c <= c1; ++c)
+            if (used_[static_cast<std::size_t>(r) * columns_ + c]) return true;
+    return false;
 }
 
 bool placeLabel(const LayerContext& ctx, const std::string& text, double x, double y, const Rgb3& colour) {
@@ -141,13 +168,13 @@ bool skyToScreen(const ChartView& view, const SkyFrame& frame, double raHours, d
     return true;
 }
 
-void drawBackground(const LayerContext& ctx) {
+namespace {
+
+// The sky's outline as the current path: the horizon circle, or the band above the horizon.
+void skyPath(const LayerContext& ctx) {
     cairo_t* cr = ctx.cr;
-    setColour(cr, ctx.palette.ground);
-    cairo_paint(cr);
-    setColour(cr, ctx.palette.sky);
+    cairo_new_path(cr);
     if (ctx.view.projectionMode == 0) {
-        // The sky is the inside of the horizon circle.
         bool first = true;
         for (int az = 0; az <= 360; ++az) {
             const MaybePoint p = horizontalPoint(ctx.view, az, 0);
@@ -157,14 +184,27 @@ void drawBackground(const LayerContext& ctx) {
             first = false;
         }
         cairo_close_path(cr);
-        cairo_fill(cr);
     } else {
         const MaybePoint horizon = horizontalPoint(ctx.view, ctx.view.centreAzDeg, 0);
         const double y = horizon ? std::clamp(static_cast<double>(horizon->y), 0.0, static_cast<double>(ctx.view.height))
                                  : ctx.view.height;
         cairo_rectangle(cr, 0, 0, ctx.view.width, y);
-        cairo_fill(cr);
     }
+}
+
+}  // namespace
+
+void drawBackground(const LayerContext& ctx) {
+    setColour(ctx.cr, ctx.palette.ground);
+    cairo_paint(ctx.cr);
+    setColour(ctx.cr, ctx.palette.sky);
+    skyPath(ctx);
+    cairo_fill(ctx.cr);
+}
+
+void clipToSky(const LayerContext& ctx) {
+    skyPath(ctx);
+    cairo_clip(ctx.cr);
 }
 
 void drawAltAzGrid(const LayerContext& ctx) {
@@ -222,9 +262,16 @@ void drawConstellationLines(const LayerContext& ctx) {
     setColour(ctx.cr, ctx.palette.lines);
     for (const ConstellationSegment& s : data.segments) {
         const MaybePoint a = equatorialPoint(ctx.view, ctx.frame, s.raHours1, s.decDeg1);
-        const MaybePoint b = equatorialPoint(ctx.view, ctx.frame, s.raHours2, s.decDeg2);
+        MaybePoint b = equatorialPoint(ctx.view, ctx.frame, s.raHours2, s.decDeg2);
         if (!a || !b) continue;
-        if (ctx.view.projectionMode != 0 && std::abs(a->x - b->x) > ctx.view.width / 2) continue;
+        // In the panorama the second end is taken on the same turn of azimuth as the first (an
+        // end just off the chart's edge was moved a whole period away), so that a figure line
+        // leaving the chart is still drawn up to the edge.
+        const int period = chartPeriodPixels(ctx.view);
+        if (period > 0) {
+            while (b->x - a->x > period / 2) b->x -= period;
+            while (a->x - b->x > period / 2) b->x += period;
+        }
         cairo_move_to(ctx.cr, clampCoordinate(a->x), clampCoordinate(a->y));
         cairo_line_to(ctx.cr, clampCoordinate(b->x), clampCoordinate(b->y));
     }
@@ -244,7 +291,7 @@ void drawConstellationNames(const LayerContext& ctx) {
     }
 }
 
-void drawDeepSkyObjects(const LayerContext& ctx, float magnitudeLimit, bool names) {
+void drawDeepSkyObjects(const LayerContext& ctx, float magnitudeLimit, std::vector<ChartLabel>* labels) {
     cairo_t* cr = ctx.cr;
     const double pixelsPerArcmin =
         std::min(ctx.view.width, ctx.view.height) / (fieldOfViewDeg(ctx.view.zoomLevel) * 60.0);
@@ -307,34 +354,85 @@ void drawDeepSkyObjects(const LayerContext& ctx, float magnitudeLimit, bool name
                 cairo_stroke(cr);
                 break;
         }
-        if (names) placeLabel(ctx, object.name, x + major - 2, y, ctx.palette.text);
+        if (labels != nullptr) {
+            ChartLabel label;
+            label.text = object.name;
+            label.x = x;
+            label.y = y;
+            label.clearance = group == 1 || group == 2 || group == 3 || group == 4 ? major : 3;  // at a large object's edge
+            label.rank = object.messier > 0 ? 0 : object.caldwell > 0 ? 1 : 2;
+            label.mag = object.mag != 0 ? object.mag : 99;
+            label.colour = ctx.palette.text;
+            labels->push_back(std::move(label));
+        }
     }
 }
 
-void drawHorizonAndCompass(const LayerContext& ctx, bool compass) {
+namespace {
+
+struct CompassPoint {
+    const char* text;
+    ScreenPoint at;
+};
+
+// The compass points shown: all eight on the widest stereographic chart and in the panorama,
+// the four cardinal ones otherwise; each at its azimuth just above the horizon, once.
+std::vector<CompassPoint> compassPoints(const ChartView& view) {
+    static constexpr std::array<const char*, 8> kPoints = {"N", "NE", "E", "SE", "S", "SW", "W", "NW"};
+    std::vector<CompassPoint> points;
+    const double lift = fieldOfViewDeg(view.zoomLevel) * 0.035;
+    for (std::size_t i = 0; i < kPoints.size(); ++i) {
+        if (i % 2 == 1 && view.zoomLevel > 0 && view.projectionMode == 0) continue;
+        MaybePoint p = horizontalPoint(view, i * 45.0, lift);
+        if (!p || !insideClip(view, p->x, p->y)) continue;
+        // Kept wholly on the chart (a letter on the edge is moved in by its half width).
+        const int margin = 8 * view.screenFactor;
+        p->x = std::clamp(p->x, view.clip.left + margin, std::max(view.clip.left + margin, view.clip.right - margin));
+        points.push_back({kPoints[i], *p});
+    }
+    return points;
+}
+
+void selectCompassFont(const LayerContext& ctx) {
+    cairo_select_font_face(ctx.cr, "sans-serif", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_BOLD);
+    cairo_set_font_size(ctx.cr, ctx.fontSize + 2 * ctx.view.screenFactor);
+}
+
+}  // namespace
+
+void reserveCompassPoints(const LayerContext& ctx) {
+    cairo_save(ctx.cr);
+    selectCompassFont(ctx);
+    for (const CompassPoint& point : compassPoints(ctx.view)) {
+        cairo_text_extents_t extents;
+        cairo_text_extents(ctx.cr, point.text, &extents);
+        ctx.labels.mark(point.at.x - extents.x_advance / 2 - 2, point.at.y - extents.height / 2 - 2,
+                        extents.x_advance + 4, extents.height + 4);
+    }
+    cairo_restore(ctx.cr);
+}
+
+std::vector<CompassText> drawHorizonAndCompass(const LayerContext& ctx, bool compass) {
     cairo_set_line_width(ctx.cr, 1.5);
     setColour(ctx.cr, ctx.palette.horizon);
     std::vector<MaybePoint> points;
     for (int i = 0; i <= 720; ++i) points.push_back(horizontalPoint(ctx.view, i * 0.5, 0));
     strokeCurve(ctx, points);
-    if (!compass) return;
-    static constexpr std::array<const char*, 8> kPoints = {"N", "NE", "E", "SE", "S", "SW", "W", "NW"};
+    std::vector<CompassText> drawn;
+    if (!compass) return drawn;
     cairo_save(ctx.cr);
-    cairo_select_font_face(ctx.cr, "sans-serif", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_BOLD);
-    cairo_set_font_size(ctx.cr, ctx.fontSize + 2);
-    const double lift = fieldOfViewDeg(ctx.view.zoomLevel) * 0.035;
-    for (std::size_t i = 0; i < kPoints.size(); ++i) {
-        if (i % 2 == 1 && ctx.view.zoomLevel > 0 && ctx.view.projectionMode == 0) continue;
-        const MaybePoint p = horizontalPoint(ctx.view, i * 45.0, lift);
-        if (!p || !insideClip(ctx.view, p->x, p->y)) continue;
+    selectCompassFont(ctx);
+    for (const CompassPoint& point : compassPoints(ctx.view)) {
         cairo_text_extents_t extents;
-        cairo_text_extents(ctx.cr, kPoints[i], &extents);
+        cairo_text_extents(ctx.cr, point.text, &extents);
         setColour(ctx.cr, ctx.palette.horizon);
-        cairo_move_to(ctx.cr, p->x - extents.x_advance / 2, p->y + extents.height / 2);
-        cairo_show_text(ctx.cr, kPoints[i]);
-        ctx.labels.claim(p->x - extents.x_advance / 2, p->y - extents.height / 2, extents.x_advance, extents.height);
+        cairo_move_to(ctx.cr, point.at.x - extents.x_advance / 2, point.at.y + extents.height / 2);
+        cairo_show_text(ctx.cr, point.text);
+        drawn.push_back({point.text, point.at.x - extents.x_advance / 2, point.at.y - extents.height / 2, extents.x_advance,
+                         extents.height});
     }
     cairo_restore(ctx.cr);
+    return drawn;
 }
 
 // Points of the circle of angular radius `radiusRad` around the chart's centre, sampled as the

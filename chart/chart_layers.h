@@ -19,6 +19,7 @@ struct Rgb3 {
 struct ChartPalette {
     Rgb3 sky, ground, lines, grid, text, horizon, ecliptic, telrad;
     Rgb3 galaxy, nebula, cluster, otherObject;
+    Rgb3 starName, milkyWay;
 };
 ChartPalette chartPalette(int background, int lineColor);
 
@@ -28,6 +29,10 @@ public:
     LabelGrid(int width, int height, int cellPixels = 6);
     // Marks the box (pixels) when free and answers whether it was.
     bool claim(double left, double top, double width, double height);
+    // Marks the box (the part on the chart) whatever it held: kept free of later labels.
+    void mark(double left, double top, double width, double height);
+    // True when any cell of the box is taken.
+    bool taken(double left, double top, double width, double height) const;
 
 private:
     int columns_, rows_, cell_;
@@ -47,12 +52,25 @@ struct LayerContext {
 bool placeLabel(const LayerContext& ctx, const std::string& text, double x, double y, const Rgb3& colour);
 
 void drawBackground(const LayerContext& ctx);
+// Restricts drawing to the sky (inside the horizon circle, or above the panorama's horizon).
+void clipToSky(const LayerContext& ctx);
 void drawAltAzGrid(const LayerContext& ctx);
 void drawEcliptic(const LayerContext& ctx, double jdUt);
 void drawConstellationLines(const LayerContext& ctx);
 void drawConstellationNames(const LayerContext& ctx);
-void drawDeepSkyObjects(const LayerContext& ctx, float magnitudeLimit, bool names);
-void drawHorizonAndCompass(const LayerContext& ctx, bool compass);
+struct ChartLabel;
+// Draws the deep-sky symbols; when `labels` is given, appends each drawn object's label and keeps
+// its centre free of other labels.
+void drawDeepSkyObjects(const LayerContext& ctx, float magnitudeLimit, std::vector<ChartLabel>* labels);
+// The horizon line, and the compass points (whose places are kept free of labels); returns the
+// compass points drawn with their boxes.
+struct CompassText {
+    std::string text;
+    double left = 0, top = 0, width = 0, height = 0;
+};
+std::vector<CompassText> drawHorizonAndCompass(const LayerContext& ctx, bool compass);
+// Keeps the places of the compass points free of labels (before the labels are placed).
+void reserveCompassPoints(const LayerContext& ctx);
 // Rings of the given diameters (degrees) around the chart's centre.
 void drawTelradRings(const LayerContext& ctx, const float (&ringsDeg)[3]);
 // The eyepiece's true field (diameter, degrees) as a circle around the chart's centre, in the

@@ -9,6 +9,9 @@
 #include "catalog/eyepieces.h"
 #include "chart/chart_labels.h"
 #include "chart/chart_layers.h"
+#include "chart/label_layout.h"
+#include "chart/milky_way_layer.h"
+#include "chart/star_names.h"
 #include "chart/png_writer.h"
 #include "chart/sky_objects.h"
 #include "chart/star_images.h"
@@ -26,9 +29,6 @@ int magnitudeStep(double mag, int screenFactor) {
     return static_cast<int>(std::floor(mag)) + (screenFactor == 1 ? 1 : 0);
 }
 
-// Brightest magnitude of the default stars named at a zoom level.
-double starNameLimit(int zoomLevel) { return zoomLevel <= 2 ? 1.5 : zoomLevel <= 5 ? 3.0 : 6.0; }
-
 bool box(int which) { return prefs().displayBox[which] != 0; }
 
 }  // namespace
@@ -38,6 +38,7 @@ ChartView chartViewForRequest(const ChartRequest& request, double& jdUt) {
     const Preferences& p = prefs();
     jdUt = julianDateFromLocal(m.year, m.month, m.day, m.hour, m.minute, m.second, p.utcOffsetMin);
     ChartView view = makeChartView(request.width, request.height, request.projectionMode, p.latitudeDeg);
+    view.screenFactor = request.resolutionFactor == 2 ? 2 : 1;
     view.lstHours = localSiderealTime(m.year, m.month, m.day, m.hour, m.minute, m.second, p.longitudeDeg, p.utcOffsetMin);
     setViewRotation(view, request.rotationDeg.value_or(0));
     setZoomLevel(view, request.zoomLevel);
@@ -74,7 +75,7 @@ ChartSurface renderChart(const ChartRequest& request, ChartResult& result) {
     result.view = chartViewForRequest(request, result.jdUt);
     const ChartView& view = result.view;
     const SkyFrame frame = request.precess ? skyFrameForDate(result.jdUt) : SkyFrame{};
-    const double fontSize = labelFontSize();
+    const double fontSize = labelFontSize() * view.screenFactor;
 
     if (request.present) {
         cairo_set_source_rgb(cr, palette.sky.r, palette.sky.g, palette.sky.b);
@@ -86,32 +87,52 @@ ChartSurface renderChart(const ChartRequest& request, ChartResult& result) {
     }
     if (request.switchCatalogForZoom && p.cardCatalog > 0) switchStarCatalogForZoom(view.zoomLevel);
 
-    LabelGrid labels(view.width, view.height);
+    LabelGrid labels(view.width, view.height, 6 * view.screenFactor);
     cairo_select_font_face(cr, "sans-serif", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
     cairo_set_font_size(cr, fontSize);
     const LayerContext ctx{cr, view, frame, palette, labels, fontSize};
-    // The corner label and the status line keep their places free of other labels.
-    labels.claim(0, 0, fontSize * 8, fontSize * 2.6);
-    labels.claim(0, view.height - fontSize * 1.6, fontSize * 18, fontSize * 1.6);
+    // The corner label, the status line and the compass points keep their places free of labels.
+    labels.mark(0, 0, fontSize * 8, fontSize * 2.6);
+    if (!box(kBoxHideInfoBar)) labels.mark(0, view.height - fontSize * 1.6, fontSize * 18, fontSize * 1.6);
+    if (!box(kBoxHideCompass)) reserveCompassPoints(ctx);
+    if (request.tap) reserveSymbol(labels, request.tap->x, request.tap->y, kTapClearancePixels * view.screenFactor);
+    const bool names = box(kBoxObjNames);
+    std::vector<ChartLabel> chartLabels;
 
+    // Layers, bottom to top.
     drawBackground(ctx);
+    drawMilkyWay(ctx, p.nightMode != 0);
     if (box(kBoxAltAzGrid) && !box(kBoxHideGrid)) drawAltAzGrid(ctx);
     if (box(kBoxEcliptic)) drawEcliptic(ctx, result.jdUt);
     if (box(kBoxConstLines)) drawConstellationLines(ctx);
-    drawDeepSkyObjects(ctx, objectMagnitudeLimit(view.zoomLevel), box(kBoxObjNames));
+    drawDeepSkyObjects(ctx, objectMagnitudeLimit(view.zoomLevel), names ? &chartLabels : nullptr);
 
-    // Stars are copied straight into the surface's pixels.
+    // Stars are blended straight into the surface's pixels.
     cairo_surface_flush(surface.get());
-    StarPainter painter(starStyleFromPreferences());
-    std::vector<std::pair<std::string, ScreenPoint>> starNames;
+    StarStyle starStyle = starStyleFromPreferences();
+    starStyle.screenFactor = view.screenFactor;
+    StarPainter painter(starStyle);
     for (const DefaultStarRecord& star : chartBrightStars()) {
         ScreenPoint point;
         if (!skyToScreen(view, frame, star.raHours, star.decDeg, point)) continue;
-        painter.paintStar(surface.get(), view.zoomLevel, magnitudeStep(star.mag, view.screenFactor), star.colour, point.x,
-                          point.y);
-        result.bright.push_back({star.hip, point.x, point.y});
-        if ((star.flags & 1) != 0 && star.mag <= starNameLimit(view.zoomLevel))
-            starNames.emplace_back(std::string(star.name, std::find(star.name, star.name + sizeof star.name, '\0')), point);
+        const int step = magnitudeStep(star.mag, view.screenFactor);
+        painter.paintStar(surface.get(), view.zoomLevel, step, star.colour, point.x, point.y);
+        result.bright.push_back({star.hip, point.x, point.y, star.mag});
+        const double radius = starDiscDiameter(starSizeStep(starStyle, view.zoomLevel, step)) * view.screenFactor / 2;
+        if (names) {
+            ChartLabel label;
+            if (starLabelText(star, view.zoomLevel, label.text)) {
+                label.utf8 = true;
+                label.x = point.x;
+                label.y = point.y;
+                label.clearance = radius + 1;
+                label.mag = star.mag;
+                label.colour = palette.starName;
+                chartLabels.push_back(std::move(label));
+            }
+        }
+        // The centres of the bright stars stay visible (and tappable) through the labels.
+        if (star.mag < kClearStarMagnitude) reserveSymbol(labels, point.x, point.y, 0.5);
     }
     result.fieldStars = loadFieldStars(
         view, starMagnitudeLimit(view.zoomLevel), true, frame,
@@ -119,10 +140,12 @@ ChartSurface renderChart(const ChartRequest& request, ChartResult& result) {
         request.stopRequested);
     cairo_surface_mark_dirty(surface.get());
 
-    if (box(kBoxStarsLegend))
-        for (const auto& [name, point] : starNames) placeLabel(ctx, name, point.x + 2, point.y, palette.text);
+    std::vector<PlacedLabel> placed;
+    placeLabels(ctx, chartLabels, &placed);
+    for (const PlacedLabel& l : placed) result.labels.push_back({l.text, l.left, l.top, l.width, l.height});
     if (box(kBoxConstNames)) drawConstellationNames(ctx);
-    drawHorizonAndCompass(ctx, !box(kBoxHideCompass));
+    for (const CompassText& c : drawHorizonAndCompass(ctx, !box(kBoxHideCompass)))
+        result.compass.push_back({c.text, c.left, c.top, c.width, c.height});
     if (box(kBoxTelrad)) drawTelradRings(ctx, p.telradRingDeg);
     if (box(kBoxEyepiece)) {
         EyepieceField eyepiece;
@@ -130,7 +153,10 @@ ChartSurface renderChart(const ChartRequest& request, ChartResult& result) {
     }
 
     cairo_set_source_rgb(cr, palette.text.r, palette.text.g, palette.text.b);
+    cairo_save(cr);
+    cairo_scale(cr, view.screenFactor, view.screenFactor);
     paintFieldLabel(cr, 2, 2, view.zoomLevel);
+    cairo_restore(cr);
     if (!box(kBoxHideInfoBar)) {
         const ObservingMoment& m = request.moment;
         char date[32];

@@ -11,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "chart/chart_view.h"
@@ -31,16 +32,29 @@ enum DisplayBox : int {
     kBoxHideInfoBar = 11, kBoxEcliptic = 12, kBoxHideCompass = 13, kBoxTelrad = 14,
 };
 
+// Half side (pixels at resolution factor 1) of the square around a tap kept free of labels.
+inline constexpr int kTapClearancePixels = 20;
+
+// Stars brighter than this keep the centre of their disc free of labels.
+inline constexpr float kClearStarMagnitude = 3.0f;
+
 struct ChartRequest {
     int width = 800, height = 800;        // pixels
     int zoomLevel = 0;                    // 0..12
     int projectionMode = 0;               // 0 stereographic, 1 rectangular alt-az
+    // Screen resolution factor: 1, or 2 on a high-density screen (the browser's device pixel
+    // ratio rounded); width and height are then device pixels and stars, labels and lines are
+    // drawn at double density.
+    int resolutionFactor = 1;
     // View rotation (azimuth at the top of a mode 0 chart). Unset: facing the given centre's
     // azimuth (that azimuth at the bottom), or south without a centre.
     std::optional<int> rotationDeg;
     std::optional<double> centreAzDeg, centreAltDeg;     // view centre as az/alt ...
     std::optional<double> centreRaHours, centreDecDeg;   // ... or as RA/Dec of date
     ObservingMoment moment;               // local civil time at the site of prefs()
+    // The point the user tapped (pixels), when the chart is redrawn around a tap: its
+    // neighbourhood (a finger's width) is kept free of labels.
+    std::optional<ScreenPoint> tap;
     bool switchCatalogForZoom = true;     // open the star catalogue the zoom level wants
     bool precess = true;                  // J2000 places to the equator of date
     StopRequested stopRequested;          // polled while loading field stars
@@ -50,12 +64,21 @@ struct ChartRequest {
 struct BrightStarSpot {
     int hip = 0;
     int x = 0, y = 0;
+    float mag = 0;
+};
+
+// A text drawn on the chart (star and object labels, compass points), its box in pixels.
+struct ChartText {
+    std::string text;  // UTF-8
+    double left = 0, top = 0, width = 0, height = 0;
 };
 
 struct ChartResult {
     ChartView view;
     FieldStarLoad fieldStars;
     std::vector<BrightStarSpot> bright;  // default stars drawn, with their pixels
+    std::vector<ChartText> labels;       // star and object labels drawn
+    std::vector<ChartText> compass;      // compass points drawn
     double jdUt = 0;
 };
 

@@ -50,7 +50,11 @@ void computeMultipliers(ChartView& view) {
     if (view.projectionMode != 0) {
         const double pixelsPerUnit = side / fovDeg * 64.0 / view.scale;
         view.xMultiplier = -toMultiplier(pixelsPerUnit);  // azimuth grows to the right
-        view.yMultiplier = toMultiplier(pixelsPerUnit);
+        // Vertically the panorama never shows more than the sky above the horizon and a strip of
+        // ground: at the widest levels the altitudes are stretched to fill the chart's height
+        // instead of leaving it empty above the zenith.
+        const double verticalFovDeg = std::min(fovDeg * view.height / side, kPanoramaMaxAltitudeSpanDeg);
+        view.yMultiplier = toMultiplier(view.height / verticalFovDeg * 64.0 / view.scale);
         return;
     }
     // Stereographic radius tan(z/2) at the upper and lower ends of the vertical arc through the
@@ -134,8 +138,10 @@ void setDefaultViewCentre(ChartView& view) {
     const double fovDeg = fieldOfViewDeg(view.zoomLevel);
     const double facingAz = view.rotationDeg + 180.0;
     if (view.projectionMode != 0) {
-        const double verticalFov = fovDeg * view.height / std::max(1, std::min(view.width, view.height));
-        setViewCentreHorizontal(view, facingAz, fovDeg >= 90 ? 0.45 * verticalFov : 45.0);
+        const double verticalFov = std::min(fovDeg * view.height / std::max(1, std::min(view.width, view.height)),
+                                            kPanoramaMaxAltitudeSpanDeg);
+        // The zenith at the top edge when the whole height is needed, else the horizon near the bottom.
+        setViewCentreHorizontal(view, facingAz, verticalFov >= 90 ? 90 - verticalFov / 2 : std::max(45.0, 0.45 * verticalFov));
     } else if (view.zoomLevel == 0) {
         setViewCentreHorizontal(view, facingAz, 90.0);
     } else {

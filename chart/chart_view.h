@@ -24,7 +24,10 @@ inline constexpr int kZoomLevelCount = 13;
 // Field of view of each zoom level, tenths of a degree.
 inline constexpr std::array<int, kZoomLevelCount> kFieldOfViewTenths = {1800, 1500, 1200, 900, 600, 450, 300,
                                                                         200,  100,  50,   25,  10,  5};
-inline constexpr int kLastFixedPathZoom = 11;   // the fixed-point path serves levels 0..11
+inline constexpr int kLastFixedPathZoom = 11;
+// Largest altitude span (degrees) a panorama (mode 1) shows from top to bottom: the sky above
+// the horizon and 5 degrees of ground.
+inline constexpr double kPanoramaMaxAltitudeSpanDeg = 95.0;   // the fixed-point path serves levels 0..11
 inline constexpr double kChartScale = 1048576.0;  // chart units per projected unit length (2^20)
 inline constexpr double kDefaultLatitudeRad = 0.8395033435776618;
 

@@ -5,6 +5,7 @@
 #include "catalog/catalogues.h"
 #include "catalog/objects.h"
 #include "catalog/star_catalog.h"
+#include "chart/milky_way_layer.h"
 
 namespace nocturnel {
 namespace {
@@ -55,6 +56,8 @@ const std::vector<ChartObject>& chartObjects() {
                 object.minorArcmin = record.minorArcmin;
                 object.positionAngleDeg = record.positionAngle;
                 object.type = static_cast<uint8_t>(record.type);
+                object.messier = record.messier;
+                object.caldwell = record.caldwell;
                 object.name = objectNameText(record);
                 cache->push_back(std::move(object));
             }
@@ -66,6 +69,7 @@ const std::vector<ChartObject>& chartObjects() {
 void forgetChartCatalogues() {
     brightCache().reset();
     objectCache().reset();
+    forgetMilkyWay();
 }
 
 }  // namespace nocturnel

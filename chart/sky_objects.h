@@ -17,6 +17,7 @@ struct ChartObject {
     float majorArcmin = 0, minorArcmin = 0;
     int16_t positionAngleDeg = -1;
     uint8_t type = 0;               // object-type code
+    int16_t messier = 0, caldwell = 0;  // 0 when none
     std::string name;               // "M31, NGC224"
 };
 

@@ -4,6 +4,13 @@
 // by our own code the first time it is needed and kept. A strip's transparent colour (white
 // or black) marks the pixels that a copy leaves untouched.
 //
+// The discs are anti-aliased and graded from 13 pixels across (column 0) down to a single pixel
+// (column 12), with the larger steps growing faster so that every whole magnitude is a visible
+// step; each row has the colour of a star of its B-V. On a double-resolution screen (screen
+// factor 2) the double-density family is used: cells of 26 x 26 pixels holding the same discs at
+// twice the size, so stars keep their apparent size. Edge pixels carry partial coverage (alpha)
+// and are blended over the chart.
+//
 // Which preference fields drive the choice: the plain-star flag is "Star Color" set to
 // "Black&White" (prefs().starColor == 1), the display scheme is prefs().background (2 is
 // "White"), and the alternate strip is used while night mode is on (prefs().nightMode != 0).
@@ -45,21 +52,25 @@ int starSizeStep(const StarStyle& style, int zoomLevel, int magnitudeStep);
 // Row 0..6 for a colour class (B-V x 10).
 int starColourRow(const StarStyle& style, int colourClass);
 
-// A strip as premultiplied ARGB pixels (169 x 91), transparent pixels with alpha 0.
+// Diameter in pixels of the disc of a column (0..12) on a single-resolution strip.
+double starDiscDiameter(int column);
+
+// A strip as premultiplied ARGB pixels (13 cells x 7 cells), transparent pixels with alpha 0.
 struct StripPixels {
     StarStrip id = kStripColourOnBlack;
     uint32_t transparentRgb = 0;
+    int cell = kStripCell;  // pixels per cell side: 13, or 26 in the double-density family
     std::vector<uint32_t> pixels;
 };
-// The strip drawn once per process and kept.
-const StripPixels& starStripPixels(StarStrip id);
+// The strip of a screen factor (1, or 2 for the double-density family), drawn once and kept.
+const StripPixels& starStripPixels(StarStrip id, int screenFactor = 1);
 
 // Paints stars from the strip of its style, loaded on the first star painted.
 class StarPainter {
 public:
     explicit StarPainter(StarStyle style) : style_(style) {}
-    // Copies the cell of the star's size step and colour row centred on (x, y) into the
-    // chart (an ARGB32 or RGB24 image surface). Cells partly off the chart are cut.
+    // Blends the cell of the star's size step and colour row centred on (x, y) into the chart
+    // (an ARGB32 or RGB24 image surface). Cells partly off the chart are cut.
     void paintStar(cairo_surface_t* chart, int zoomLevel, int magnitudeStep, int colourClass, int x, int y);
     bool stripLoaded() const { return strip_ != nullptr; }
     const StarStyle& style() const { return style_; }

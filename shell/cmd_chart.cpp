@@ -29,6 +29,7 @@ struct ChartOptions {
     int zoom = 0;
     std::string size = "800x800";
     int mode = 0;
+    int scale = 1;
     std::optional<int> rotateDeg;
     std::string ra, dec, az, alt;  // angle texts, checked before use
     std::string center;            // --center NAME
@@ -105,6 +106,7 @@ void runChart(const ChartOptions& o) {
     request.height = height;
     request.zoomLevel = o.zoom;
     request.projectionMode = o.mode;
+    request.resolutionFactor = o.scale;
     request.rotationDeg = o.rotateDeg;
     request.moment = prefs().moment;
     if (!readCentre(o, request)) {
@@ -178,6 +180,8 @@ void registerChartCommand(CLI::App& app) {
     cmd->add_option("-o,--output", options->output, "PNG file to write");
     cmd->add_option("--zoom", options->zoom, "Zoom level 0 (180\xC2\xB0) .. 12 (0.5\xC2\xB0)")->check(CLI::Range(0, 12));
     cmd->add_option("--size", options->size, "Chart size WxH in pixels (default 800x800)");
+    cmd->add_option("--scale", options->scale, "Resolution factor: 2 for a high-density screen (size in device pixels)")
+        ->check(CLI::IsMember({1, 2}));
     cmd->add_option("--mode", options->mode, "0 zenithal stereographic, 1 rectangular alt-azimuth")->check(CLI::Range(0, 1));
     cmd->add_option("--rotate", options->rotateDeg,
                     "Azimuth shown at the top of a mode 0 chart, degrees (default: facing the centre, or south)")

@@ -11,7 +11,9 @@
 #include "settings/message.h"
 #include "tools/build_checks.h"
 #include "tools/constellation_lookup.h"
+#include "tools/deep_star_card.h"
 #include "tools/eyepiece_file.h"
+#include "tools/milky_way_file.h"
 #include "tools/name_file.h"
 #include "tools/object_files.h"
 #include "tools/record_io.h"
@@ -41,6 +43,7 @@ struct SourcePaths {
     fs::path bsc;
     fs::path dsoCatalogue;
     fs::path dsoNames;
+    fs::path stellariumStars;  // Stellarium's stars/default folder
 };
 
 SourcePaths sourcePaths(const fs::path& folder) {
@@ -51,6 +54,7 @@ SourcePaths sourcePaths(const fs::path& folder) {
                                      "st/usr/share/stellarium/nebulae/default/catalog.dat"});
     p.dsoNames = locate(folder, {"stellarium/usr/share/stellarium/nebulae/default/names.dat",
                                  "st/usr/share/stellarium/nebulae/default/names.dat"});
+    p.stellariumStars = locate(folder, {"stellarium/usr/share/stellarium/stars/default", "st/usr/share/stellarium/stars/default"});
     return p;
 }
 
@@ -185,6 +189,28 @@ bool writeTycho(FileWriter& writer, const fs::path& tyc2) {
            writer.write("nocturnel_tycho_idx.ppc", 1, buildTychoRegionIndex(stars));
 }
 
+// The Milky Way's outline from d3-celestial's mw.json (skipped when the file is absent).
+bool writeMilkyWay(FileWriter& writer, const fs::path& d3Data) {
+    std::string json, error;
+    if (!readWholeFile(d3Data / "mw.json", json)) return true;
+    std::vector<MilkyWayPoint> points;
+    if (!buildMilkyWay(json, points, error)) return malformed(d3Data / "mw.json", error);
+    return writer.write(kMilkyWayFile, 1, points);
+}
+
+// The "Tycho 390K" card from Stellarium's star catalogue (without a Tycho-2 file); skipped
+// when the sources lack the star files.
+bool writeDeepStarCard(FileWriter& writer, const fs::path& starsFolder, bool& written) {
+    written = false;
+    const std::vector<fs::path> files = stellariumStarFiles(starsFolder);
+    if (files.empty()) return true;
+    DeepStarCard card;
+    std::string error;
+    if (!buildDeepStarCard(files, kDeepStarCardStars, card, error)) return malformed(starsFolder, error);
+    written = true;
+    return writer.writeBlocks("nocturnel_tycho_390k.ppc", card.blocks, card.perBlock);
+}
+
 // Versions as the packages state them: d3-celestial's package.json, the first line of xplanet's
 // Debian changelog ("xplanet (1.3.1-3) unstable; ..."). "unknown version" when absent.
 std::string d3Version(const fs::path& d3Data) {
@@ -203,15 +229,16 @@ std::string xplanetVersion(const fs::path& bsc) {
     return open < close && close < text.find('\n') ? text.substr(open + 1, close - open - 1) : "unknown version";
 }
 
-std::string sourcesText(const SourcePaths& paths, const StellariumCatalogue& dso, bool tycho) {
+std::string sourcesText(const SourcePaths& paths, const StellariumCatalogue& dso, bool tycho, bool deepStars) {
     std::string text =
         "Sources of the catalogue files in this folder (written by `nocturnel catalog build`).\n\n"
         "d3-celestial " + d3Version(paths.d3) + " (npm), BSD 3-Clause licence, (c) Olaf Frohn:\n"
         "  data/stars.14.json (Hipparcos: positions, V, B-V), data/starnames.json (names, Bayer,\n"
         "  Flamsteed, HD, constellation), data/constellations.json, constellations.lines.json,\n"
-        "  constellations.bounds.json.\n"
+        "  constellations.bounds.json, mw.json (the Milky Way's outline).\n"
         "  -> nocturnel_default_stars.ppc, nocturnel_hip_*.ppc, nocturnel_hip_110k_idx.ppc,\n"
-        "     nocturnel_brightstar.ppc, nocturnel_constellation*.ppc; colours of the HR stars.\n\n"
+        "     nocturnel_brightstar.ppc, nocturnel_constellation*.ppc, nocturnel_milkyway.ppc; colours of\n"
+        "     the HR stars.\n\n"
         "Yale Bright Star Catalogue, 5th revised edition (Hoffleit & Warren 1991), as shipped in the\n"
         "Debian package xplanet " + xplanetVersion(paths.bsc) + " (usr/share/xplanet/stars/BSC; GPL-2+ package, catalogue data public\n"
         "through CDS/VizieR V/50).\n"
@@ -223,13 +250,17 @@ std::string sourcesText(const SourcePaths& paths, const StellariumCatalogue& dso
         "Eyepieces: generic eyepiece designs, no external source (Plossl 52 degrees, the 40 mm 43;\n"
         "wide fields of 68 and 82 degrees; common focal lengths).\n"
         "  -> nocturnel_eyepiece.ppc.\n";
+    if (deepStars)
+        text += "\nStellarium star catalogue, Debian package stellarium-data (usr/share/stellarium/stars/default/\n"
+                "stars_0 .. stars_3 *.cat: Hipparcos, Tycho-2 and NOMAD stars to about magnitude 10.5), GPL-2+.\n"
+                "  -> nocturnel_tycho_390k.ppc (all of them, about 600,000; no Tycho numbers, see the README).\n";
     if (tycho)
         text += "\nTycho-2 main catalogue (Hog et al. 2000, CDS I/259, tyc2.dat), supplied by the user.\n"
                 "  -> nocturnel_tycho_390k.ppc, nocturnel_tycho_2500k.ppc, nocturnel_tycho_idx.ppc.\n";
     return text;
 }
 
-bool checkAll(const fs::path& out, bool tycho) {
+bool checkAll(const fs::path& out, bool tycho, bool deepStars) {
     std::string error;
     const StarFileRules plain{42, 0, 0};
     return check(checkDefaultStars(out / "nocturnel_default_stars.ppc", error), error) &&
@@ -246,6 +277,7 @@ bool checkAll(const fs::path& out, bool tycho) {
            check(checkObjectFiles(out / "nocturnel_obj_1k.ppc", out / "nocturnel_obj_1k_idx.ppc", false, error), error) &&
            check(checkConstellations(out, error), error) &&
            check(checkEyepieceFile(out / "nocturnel_eyepiece.ppc", error), error) &&
+           (!deepStars || check(checkStarBlockFile(out / "nocturnel_tycho_390k.ppc", {0, 0, 0}, error), error)) &&
            (!tycho || (check(checkStarBlockFile(out / "nocturnel_tycho_390k.ppc", {0, 0, 0}, error), error) &&
                        check(checkStarBlockFile(out / "nocturnel_tycho_2500k.ppc", {0, 0, 0}, error), error) &&
                        check(checkTychoIndex(out / "nocturnel_tycho_idx.ppc", out / "nocturnel_tycho_2500k.ppc", error), error)));
@@ -330,6 +362,7 @@ int buildCatalogues(const BuildOptions& options, BuildReport* reportOut) {
         }
     } cleaner{stage};
     FileWriter writer(stage, report);
+    bool deepStars = false;
     const bool written =
         writer.write("nocturnel_default_stars.ppc", 1, starFiles.defaultStars) &&
         writer.writeBlocks("nocturnel_hr.ppc", starFiles.hr, 42) && writer.write("nocturnel_hr_idx.ppc", 1, starFiles.hrIndex) &&
@@ -345,15 +378,16 @@ int buildCatalogues(const BuildOptions& options, BuildReport* reportOut) {
         writer.write("nocturnel_obj_1k.ppc", kObjectFileVersion, objectFiles.smallObjects) &&
         writer.write("nocturnel_obj_1k_idx.ppc", 1, objectFiles.smallIndex) &&
         writeConstellations(writer, stars.constellations) &&
-        writer.write("nocturnel_eyepiece.ppc", 1, eyepieceRecords()) &&
+        writer.write("nocturnel_eyepiece.ppc", 1, eyepieceRecords()) && writeMilkyWay(writer, paths.d3) &&
         writer.write(kNameFile, kNameFileVersion, buildNameRecords(objectFiles, stars.names)) &&
-        (options.tycho2File.empty() || writeTycho(writer, options.tycho2File));
+        (options.tycho2File.empty() ? writeDeepStarCard(writer, paths.stellariumStars, deepStars)
+                                    : writeTycho(writer, options.tycho2File));
     if (!written) return 1;
-    if (!writeWholeFile(stage / "SOURCES", sourcesText(paths, dso, !options.tycho2File.empty()))) {
+    if (!writeWholeFile(stage / "SOURCES", sourcesText(paths, dso, !options.tycho2File.empty(), deepStars))) {
         showMessage(kWriteFailed, (stage / "SOURCES").string());
         return 1;
     }
-    if (!checkAll(stage, !options.tycho2File.empty())) return 1;
+    if (!checkAll(stage, !options.tycho2File.empty(), deepStars)) return 1;
     std::vector<std::string> names;
     for (const BuiltFile& f : report.files) names.push_back(f.name);
     names.push_back("SOURCES");  // last: its presence tells a complete set

@@ -61,6 +61,11 @@ std::vector<Designation> designationsOf(const StellariumObject& o) {
 }
 
 float knownMagnitude(const StellariumObject& o) {
+    // Dark nebulae and molecular clouds (types 12, 23), and any object known only by its Lynds
+    // or Barnard dark-cloud number: the source's magnitude columns hold the opacity class
+    // (1 .. 6), not a brightness; they are stored as unknown.
+    const bool brightDesignation = o.ngc != 0 || o.ic != 0 || o.messier != 0 || o.caldwell != 0;
+    if (o.type == 12 || o.type == 23 || ((o.ldn != 0 || o.barnard != 0) && !brightDesignation)) return 0.0f;
     if (o.vMag < 90.0) return static_cast<float>(o.vMag);
     if (o.bMag < 90.0) return static_cast<float>(o.bMag);
     return 0.0f;

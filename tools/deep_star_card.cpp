@@ -1,0 +1,68 @@
+#include "tools/deep_star_card.h"
+
+#include <algorithm>
+
+#include "tools/record_io.h"
+#include "tools/star_packing.h"
+#include "tools/stellarium_stars.h"
+
+namespace nocturnel {
+
+std::vector<std::filesystem::path> stellariumStarFiles(const std::filesystem::path& folder) {
+    std::vector<std::filesystem::path> files;
+    std::error_code ec;
+    for (int n = 0; n <= 3; ++n) {
+        const std::string prefix = "stars_" + std::to_string(n) + "_";
+        std::filesystem::path found;
+        for (const auto& entry : std::filesystem::directory_iterator(folder, ec)) {
+            const std::string name = entry.path().filename().string();
+            if (name.rfind(prefix, 0) == 0 && name.size() > 4 && name.substr(name.size() - 4) == ".cat" &&
+                (found.empty() || name < found.filename().string()))
+                found = entry.path();
+        }
+        if (found.empty()) return {};
+        files.push_back(found);
+    }
+    return files;
+}
+
+bool buildDeepStarCard(const std::vector<std::filesystem::path>& files, size_t keep, DeepStarCard& card,
+                       std::string& error) {
+    std::vector<StellariumStar> stars;
+    for (const auto& file : files) {
+        std::string bytes;
+        if (!readWholeFile(file, bytes)) {
+            error = file.string() + ": cannot be read";
+            return false;
+        }
+        if (!parseStellariumStars(bytes, stars, error)) {
+            error = file.filename().string() + ": " + error;
+            return false;
+        }
+    }
+    if (stars.empty()) {
+        error = "no stars";
+        return false;
+    }
+    std::stable_sort(stars.begin(), stars.end(),
+                     [](const StellariumStar& a, const StellariumStar& b) { return a.mag < b.mag; });
+    stars.resize(std::min(stars.size(), keep));
+    std::vector<StarToPack> packed;
+    packed.reserve(stars.size());
+    for (size_t i = 0; i < stars.size(); ++i) {
+        const StellariumStar& s = stars[i];
+        const int32_t number = s.hip > 0 ? s.hip : kDeepStarNumberBase + static_cast<int32_t>(i);
+        packed.push_back({number, s.raDeg / 15.0, s.decDeg, s.mag, s.bv, true});
+    }
+    card.perBlock = starsPerBlockFor(packed.size());
+    if (card.perBlock == 0) {
+        error = std::to_string(packed.size()) + " stars fit neither 42 nor 80 stars per record";
+        return false;
+    }
+    card.blocks = packStarBlocks(packed, card.perBlock);
+    card.stars = packed.size();
+    card.faintestMag = stars.back().mag;
+    return true;
+}
+
+}  // namespace nocturnel
