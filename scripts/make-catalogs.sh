@@ -9,7 +9,7 @@ bin="$root/${1:?usage: make-catalogs.sh BUILD_DIR}/bin"
 sources=${NOCTURNEL_SOURCES:-${XDG_CACHE_HOME:-$HOME/.cache}/nocturnel/sources}
 # A data/ folder made by an older builder lacks some file: build again.
 missing=0
-for f in nocturnel_default_stars.ppc nocturnel_hip_110k.ppc nocturnel_obj_18k.ppc nocturnel_eyepiece.ppc SOURCES; do
+for f in nocturnel_default_stars.ppc nocturnel_hip_110k.ppc nocturnel_obj_18k.ppc nocturnel_eyepiece.ppc nocturnel_planets.ppc SOURCES; do
   [ -f "$bin/data/$f" ] || missing=1
 done
 if [ "$missing" = 1 ]; then

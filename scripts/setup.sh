@@ -7,7 +7,9 @@ packages=(build-essential cmake pkg-config git ccache
           libgtest-dev libgmock-dev libbenchmark-dev liberfa-dev
           libcairo2-dev libfontconfig-dev zlib1g-dev fonts-dejavu-core
           libcli11-dev libcpp-httplib-dev nlohmann-json3-dev
-          nodejs npm)
+          nodejs npm
+          swetest swe-basic-data  # Swiss Ephemeris, reference for the Sun, Moon and planet tests only
+          )
 
 missing=()
 for p in "${packages[@]}"; do

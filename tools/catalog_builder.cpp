@@ -13,6 +13,7 @@
 #include "tools/constellation_lookup.h"
 #include "tools/eyepiece_file.h"
 #include "tools/object_files.h"
+#include "tools/planet_series_builder.h"
 #include "tools/record_io.h"
 #include "tools/sources.h"
 #include "tools/star_files.h"
@@ -345,9 +346,10 @@ int buildCatalogues(const BuildOptions& options, BuildReport* reportOut) {
         writer.write("nocturnel_obj_1k_idx.ppc", 1, objectFiles.smallIndex) &&
         writeConstellations(writer, stars.constellations) &&
         writer.write("nocturnel_eyepiece.ppc", 1, eyepieceRecords()) &&
+        writePlanetSeriesFile(options.sourcesFolder, stage, report) &&
         (options.tycho2File.empty() || writeTycho(writer, options.tycho2File));
     if (!written) return 1;
-    if (!writeWholeFile(stage / "SOURCES", sourcesText(paths, dso, !options.tycho2File.empty()))) {
+    if (!writeWholeFile(stage / "SOURCES", sourcesText(paths, dso, !options.tycho2File.empty()) + planetSeriesSourcesText(options.sourcesFolder))) {
         showMessage(kWriteFailed, (stage / "SOURCES").string());
         return 1;
     }
