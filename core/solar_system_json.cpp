@@ -64,4 +64,45 @@ nlohmann::json riseJson(const std::string& name, const RiseSetTimes& t, int utcO
             {"neverRises", t.neverRises}};
 }
 
+nlohmann::json twilightJson(const std::string& localDate, const TwilightTimes& t, int offset) {
+    return {{"date", localDate},
+            {"sunrise", localIsoTimeOrNull(t.sun.riseJdUt, offset)},
+            {"sunset", localIsoTimeOrNull(t.sun.setJdUt, offset)},
+            {"civilDawn", localIsoTimeOrNull(t.civil.riseJdUt, offset)},
+            {"civilDusk", localIsoTimeOrNull(t.civil.setJdUt, offset)},
+            {"nauticalDawn", localIsoTimeOrNull(t.nautical.riseJdUt, offset)},
+            {"nauticalDusk", localIsoTimeOrNull(t.nautical.setJdUt, offset)},
+            {"astronomicalDawn", localIsoTimeOrNull(t.astronomical.riseJdUt, offset)},
+            {"astronomicalDusk", localIsoTimeOrNull(t.astronomical.setJdUt, offset)}};
+}
+
+nlohmann::json moonJson(const SolarBodyReport& moon, double ageDays, double elongation,
+                        const std::vector<MoonPhaseEvent>& nextPhases, int offset) {
+    nlohmann::json phases = nlohmann::json::array();
+    for (const MoonPhaseEvent& p : nextPhases)
+        phases.push_back({{"phase", moonPhaseName(p.quarter)}, {"time", localIsoTime(p.jdUt, offset)}, {"jd", p.jdUt}});
+    const std::optional<double> none;
+    return {{"phase", moonPhaseDescription(elongation)},
+            {"age", ageDays},
+            {"illuminated", moon.physical.illuminatedFraction},
+            {"elongation", moon.physical.elongationDeg},
+            {"distanceKm", moon.geocentric.distanceAu * kKmPerAu},
+            {"diameterArcsec", moon.physical.diameterArcsec},
+            {"rise", localIsoTimeOrNull(moon.riseSet ? moon.riseSet->riseJdUt : none, offset)},
+            {"transit", localIsoTimeOrNull(moon.riseSet ? moon.riseSet->transitJdUt : none, offset)},
+            {"set", localIsoTimeOrNull(moon.riseSet ? moon.riseSet->setJdUt : none, offset)},
+            {"nextPhases", phases}};
+}
+
+nlohmann::json eventsJson(const std::vector<PlanetEvent>& events, int offset) {
+    nlohmann::json list = nlohmann::json::array();
+    for (const PlanetEvent& e : events)
+        list.push_back({{"kind", e.kind},
+                        {"time", localIsoTime(e.jdUt, offset)},
+                        {"jd", e.jdUt},
+                        {"bodies", e.bodies},
+                        {"separationDeg", e.separationDeg ? nlohmann::json(*e.separationDeg) : nlohmann::json(nullptr)}});
+    return {{"events", list}};
+}
+
 }  // namespace nocturnel

@@ -7,7 +7,10 @@
 #include <optional>
 #include <string>
 
+#include "core/moon_phases.h"
+#include "core/planet_events.h"
 #include "core/rise_set.h"
+#include "core/twilight.h"
 #include "core/solar_system_sky.h"
 
 namespace nocturnel {
@@ -26,5 +29,17 @@ nlohmann::json planetsJson(const SolarSystemReport& report, int utcOffsetMin, co
 
 // {"name","rise","transit","set","riseAz","setAz","transitAlt","circumpolar","neverRises"}
 nlohmann::json riseJson(const std::string& name, const RiseSetTimes& times, int utcOffsetMin);
+
+// {"date","sunrise","sunset","civilDawn","civilDusk","nauticalDawn","nauticalDusk",
+//  "astronomicalDawn","astronomicalDusk"}: dawn is the morning crossing, dusk the evening one.
+nlohmann::json twilightJson(const std::string& localDate, const TwilightTimes& times, int utcOffsetMin);
+
+// {"phase","age","illuminated","elongation","distanceKm","diameterArcsec","rise","transit","set",
+//  "nextPhases":[{"phase","time","jd"}]}
+nlohmann::json moonJson(const SolarBodyReport& moon, double ageDays, double elongationLongitudeDeg,
+                        const std::vector<MoonPhaseEvent>& nextPhases, int utcOffsetMin);
+
+// {"events":[{"kind","time","jd","bodies","separationDeg"}]}
+nlohmann::json eventsJson(const std::vector<PlanetEvent>& events, int utcOffsetMin);
 
 }  // namespace nocturnel

@@ -28,6 +28,7 @@ void registerAllCommands(CLI::App& app) {
     registerScopeCommand(app);
     registerAlignCommand(app);
     registerPlanetsCommand(app);
+    registerSkyEventCommands(app);
 }
 
 }  // namespace nocturnel

@@ -15,6 +15,7 @@ void registerFindCommand(CLI::App& app);     // nocturnel find
 void registerChartCommand(CLI::App& app);    // nocturnel chart
 void registerScopeCommand(CLI::App& app);    // nocturnel scope
 void registerAlignCommand(CLI::App& app);    // nocturnel align
-void registerPlanetsCommand(CLI::App& app);  // nocturnel planets, rise, twilight, moon, events
+void registerPlanetsCommand(CLI::App& app);  // nocturnel planets, nocturnel rise
+void registerSkyEventCommands(CLI::App& app);  // nocturnel twilight, moon, events
 
 }  // namespace nocturnel
