@@ -40,7 +40,7 @@ double saturnRingTiltDeg(const Vec3& saturnToObserver) {
     return l == 0.0 ? 0.0 : std::asin(std::clamp(dot(pole, saturnToObserver) / l, -1.0, 1.0)) * kRadToDeg;
 }
 
-double apparentMagnitude(SolarBody body, double r, double d, double a, double ringTiltDeg) {
+double apparentMagnitude(SolarBody body, double r, double d, double a, double ringTiltDeg, double year) {
     const double distance = 5.0 * std::log10(r * d);
     switch (body) {
         case SolarBody::Sun: return -26.74 + 5.0 * std::log10(d);
@@ -71,7 +71,10 @@ double apparentMagnitude(SolarBody body, double r, double d, double a, double ri
             return -8.94 + a * (2.446e-4 + a * (2.672e-4 + a * (-1.505e-6 + a * 4.767e-9))) + distance;  // globe alone
         }
         case SolarBody::Uranus: return -7.110 + a * (6.587e-3 + a * 1.045e-4) + distance;
-        case SolarBody::Neptune: return -7.00 + a * (7.944e-3 + a * 9.617e-5) + distance;
+        case SolarBody::Neptune: {
+            const double absolute = year < 1980.0 ? -6.89 : year < 2000.0 ? -6.89 - 0.0055 * (year - 1980.0) : -7.00;
+            return absolute + a * (7.944e-3 + a * 9.617e-5) + distance;
+        }
         case SolarBody::Pluto: return -1.01 + 0.041 * a + distance;
         default: return 0.0;
     }
@@ -94,7 +97,7 @@ BodyPhysical bodyPhysical(SolarBody body, const BodyPlace& place) {
     p.diameterArcsec = distanceKm > 0.0 ? 2.0 * std::atan(bodyRadiusKm(body) / distanceKm) * kArcsecPerRadian : 0.0;
     if (body == SolarBody::Saturn) p.saturnRingTiltDeg = saturnRingTiltDeg(toObserver);
     p.magnitude = apparentMagnitude(body, body == SolarBody::Sun ? 1.0 : p.sunDistanceAu, p.distanceAu, p.phaseAngleDeg,
-                                    p.saturnRingTiltDeg);
+                                    p.saturnRingTiltDeg, 2000.0 + (place.jdTt - kJ2000Jd) / 365.25);
     return p;
 }
 

@@ -22,9 +22,10 @@ struct BodyPhysical {
 BodyPhysical bodyPhysical(SolarBody body, const BodyPlace& place);
 
 // Apparent visual magnitude from the distances (AU) and phase angle (degrees); ringTiltDeg is
-// Saturn's ring opening (ignored for the others).
+// Saturn's ring opening (ignored for the others); the year matters for Neptune, which
+// brightened between 1980 and 2000.
 double apparentMagnitude(SolarBody body, double sunDistanceAu, double observerDistanceAu, double phaseAngleDeg,
-                         double ringTiltDeg);
+                         double ringTiltDeg, double year = 2000.0);
 
 // Saturn's ring plane tilt towards a direction (J2000 unit vector from Saturn to the observer), degrees.
 double saturnRingTiltDeg(const Vec3& saturnToObserver);

@@ -90,6 +90,7 @@ int placeFromObserver(SolarBody body, double jdTt, const StateVector& offset, Bo
     vectorToRaDec(ofDate, &place->raHours, &place->decDeg);
     place->distanceAu = distance;
     place->lightTimeDays = tau;
+    place->jdTt = jdTt;
     place->bodyHeliocentricAu = bodyHelio;
     place->observerHeliocentricAu = observer;
     return 0;

@@ -21,6 +21,7 @@ struct BodyPlace {
     double decDeg = 0.0;
     double distanceAu = 0.0;     // observer to body, at the time the light left it
     double lightTimeDays = 0.0;
+    double jdTt = 0.0;           // the moment
     Vec3 bodyHeliocentricAu{};      // J2000 equatorial, at the time the light left it
     Vec3 observerHeliocentricAu{};  // J2000 equatorial, at the moment
 };
