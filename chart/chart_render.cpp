@@ -9,6 +9,7 @@
 #include "catalog/eyepieces.h"
 #include "chart/chart_labels.h"
 #include "chart/chart_layers.h"
+#include "chart/solar_system_layer.h"
 #include "chart/png_writer.h"
 #include "chart/sky_objects.h"
 #include "chart/star_images.h"
@@ -118,6 +119,7 @@ ChartSurface renderChart(const ChartRequest& request, ChartResult& result) {
         request.stopRequested);
     cairo_surface_mark_dirty(surface.get());
 
+    drawSolarSystem(ctx, result.jdUt);
     if (box(kBoxStarsLegend))
         for (const auto& [name, point] : starNames) placeLabel(ctx, name, point.x + 2, point.y, palette.text);
     if (box(kBoxConstNames)) drawConstellationNames(ctx);

@@ -1,5 +1,6 @@
 // nocturnel planets: the Sun, the Moon and the planets for the moment at the site.
 // nocturnel rise NAME: rise, transit and set of a body or catalogue object for the local day.
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <iostream>
@@ -9,7 +10,10 @@
 #include "catalog/object_finder.h"
 #include "core/angle_text.h"
 #include "core/delta_t_model.h"
+#include "core/solar_system_finder.h"
 #include "core/solar_system_json.h"
+#include "core/time.h"
+#include "shell/cmd_planets.h"
 #include "settings/message.h"
 #include "settings/preferences.h"
 #include "shell/app.h"
@@ -112,6 +116,45 @@ void runRise() {
 }
 
 }  // namespace
+
+bool findAndPrintSolarSystemBody(const std::string& name) {
+    if (!solarBodyByName(name)) return false;
+    const ObservingMoment& m = prefs().moment;
+    const double jd = julianDateFromLocal(m.year, m.month, m.day, m.hour, m.minute, m.second, prefs().utcOffsetMin);
+    SolarSystemFind f;
+    if (!findSolarSystemBody(name, jd, &f)) {
+        setExitCode(1);
+        return true;
+    }
+    const char* type = f.body == SolarBody::Sun ? "Star" : f.body == SolarBody::Moon ? "Moon" : "Planet";
+    const std::string constellation = constellationAbbreviation(f.raJ2000Hours, f.decJ2000Deg);
+    if (globalOptions().json) {
+        const nlohmann::json j = {{"name", solarBodyName(f.body)}, {"type", type},
+                                  {"ra", f.raJ2000Hours},         {"dec", f.decJ2000Deg},
+                                  {"raApparent", f.raHours},      {"decApparent", f.decDeg},
+                                  {"alt", f.altDeg},              {"az", f.azDeg},
+                                  {"mag", std::round(f.magnitude * 100.0) / 100.0},
+                                  {"diameterArcsec", f.diameterArcsec},
+                                  {"illuminated", f.illuminatedFraction},
+                                  {"distanceAu", f.distanceAu},   {"constellation", constellation}};
+        std::cout << j.dump(2) << "\n";
+        return true;
+    }
+    char line[96];
+    std::cout << solarBodyName(f.body) << "\n";
+    std::cout << "Type:          " << type << "\n";
+    std::cout << "RA (J2000):    " << toUtf8(hoursText(f.raJ2000Hours)) << "\n";
+    std::cout << "Dec (J2000):   " << toUtf8(degreesText(f.decJ2000Deg)) << "\n";
+    std::cout << "RA (date):     " << toUtf8(hoursText(f.raHours)) << "\n";
+    std::cout << "Dec (date):    " << toUtf8(degreesText(f.decDeg)) << "\n";
+    std::snprintf(line, sizeof line, "Altitude:      %.2f  Azimuth: %.2f", f.altDeg, f.azDeg);
+    std::cout << line << "\n";
+    std::snprintf(line, sizeof line, "Magnitude:     %.2f  Diameter: %.1f\"  Illuminated: %.0f%%", f.magnitude,
+                  f.diameterArcsec, 100.0 * f.illuminatedFraction);
+    std::cout << line << "\n";
+    if (!constellation.empty()) std::cout << "Constellation: " << constellation << "\n";
+    return true;
+}
 
 void registerPlanetsCommand(CLI::App& app) {
     CLI::App* planets = app.add_subcommand("planets", "The Sun, the Moon and the planets for the moment at the site");
