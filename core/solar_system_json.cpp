@@ -76,7 +76,7 @@ nlohmann::json twilightJson(const std::string& localDate, const TwilightTimes& t
             {"astronomicalDusk", localIsoTimeOrNull(t.astronomical.setJdUt, offset)}};
 }
 
-nlohmann::json moonJson(const SolarBodyReport& moon, double ageDays, double elongation,
+nlohmann::json moonJson(const SolarBodyReport& moon, double ageDays, double elongation, const MoonLibration& libration,
                         const std::vector<MoonPhaseEvent>& nextPhases, int offset) {
     nlohmann::json phases = nlohmann::json::array();
     for (const MoonPhaseEvent& p : nextPhases)
@@ -88,6 +88,8 @@ nlohmann::json moonJson(const SolarBodyReport& moon, double ageDays, double elon
             {"elongation", moon.physical.elongationDeg},
             {"distanceKm", moon.geocentric.distanceAu * kKmPerAu},
             {"diameterArcsec", moon.physical.diameterArcsec},
+            {"librationLonDeg", libration.longitudeDeg},
+            {"librationLatDeg", libration.latitudeDeg},
             {"rise", localIsoTimeOrNull(moon.riseSet ? moon.riseSet->riseJdUt : none, offset)},
             {"transit", localIsoTimeOrNull(moon.riseSet ? moon.riseSet->transitJdUt : none, offset)},
             {"set", localIsoTimeOrNull(moon.riseSet ? moon.riseSet->setJdUt : none, offset)},

@@ -9,6 +9,7 @@
 
 #include "core/moon_phases.h"
 #include "core/planet_events.h"
+#include "core/planet_surfaces.h"
 #include "core/rise_set.h"
 #include "core/twilight.h"
 #include "core/solar_system_sky.h"
@@ -34,10 +35,10 @@ nlohmann::json riseJson(const std::string& name, const RiseSetTimes& times, int 
 //  "astronomicalDawn","astronomicalDusk"}: dawn is the morning crossing, dusk the evening one.
 nlohmann::json twilightJson(const std::string& localDate, const TwilightTimes& times, int utcOffsetMin);
 
-// {"phase","age","illuminated","elongation","distanceKm","diameterArcsec","rise","transit","set",
-//  "nextPhases":[{"phase","time","jd"}]}
+// {"phase","age","illuminated","elongation","distanceKm","diameterArcsec","librationLonDeg",
+//  "librationLatDeg","rise","transit","set","nextPhases":[{"phase","time","jd"}]}
 nlohmann::json moonJson(const SolarBodyReport& moon, double ageDays, double elongationLongitudeDeg,
-                        const std::vector<MoonPhaseEvent>& nextPhases, int utcOffsetMin);
+                        const MoonLibration& libration, const std::vector<MoonPhaseEvent>& nextPhases, int utcOffsetMin);
 
 // {"events":[{"kind","time","jd","bodies","separationDeg"}]}
 nlohmann::json eventsJson(const std::vector<PlanetEvent>& events, int utcOffsetMin);

@@ -10,6 +10,7 @@
 #include "catalog/object_finder.h"
 #include "core/angle_text.h"
 #include "core/delta_t_model.h"
+#include "core/planet_surfaces.h"
 #include "core/solar_system_finder.h"
 #include "core/solar_system_json.h"
 #include "core/time.h"
@@ -153,6 +154,16 @@ bool findAndPrintSolarSystemBody(const std::string& name) {
                   f.diameterArcsec, 100.0 * f.illuminatedFraction);
     std::cout << line << "\n";
     if (!constellation.empty()) std::cout << "Constellation: " << constellation << "\n";
+    if (f.body == SolarBody::Jupiter) {
+        const double jdTt = jd + modelDeltaTSeconds(jd) / 86400.0;
+        const JupiterMeridians cm = jupiterCentralMeridians(jdTt, f.distanceAu);
+        std::snprintf(line, sizeof line, "Central meridian: System I %.1f, System II %.1f", cm.systemIDeg, cm.systemIIDeg);
+        std::cout << line << "\n";
+        const auto transits = greatRedSpotTransits(jd, jd + 1.0, prefs().grsLongitudeDeg);
+        std::cout << "GRS transits:  ";
+        for (double t : transits) std::cout << " " << localIsoTime(t, prefs().utcOffsetMin).substr(11, 5);
+        std::cout << "\n";
+    }
     return true;
 }
 

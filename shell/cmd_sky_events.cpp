@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "core/delta_t_model.h"
+#include "core/ecliptic_place.h"
 #include "core/solar_system_json.h"
 #include "core/time.h"
 #include "settings/message.h"
@@ -47,8 +48,11 @@ void runMoon() {
     SolarBodyReport moon;
     if (solarBodyAt(SolarBody::Moon, request, modelDeltaTSeconds(request.jdUt), &moon) != 0) return setExitCode(1);
     const double elongation = moonElongationLongitudeDeg(request.jdUt);
-    const nlohmann::json out =
-        moonJson(moon, moonAgeDays(request.jdUt), elongation, nextMoonPhases(request.jdUt, 4), prefs().utcOffsetMin);
+    EclipticPlace ecliptic;
+    apparentEclipticPlace(SolarBody::Moon, moon.geocentric.jdTt, &ecliptic);
+    const MoonLibration libration = moonOpticalLibration(moon.geocentric.jdTt, ecliptic.longitudeDeg, ecliptic.latitudeDeg);
+    const nlohmann::json out = moonJson(moon, moonAgeDays(request.jdUt), elongation, libration,
+                                        nextMoonPhases(request.jdUt, 4), prefs().utcOffsetMin);
     if (globalOptions().json) {
         std::cout << out.dump(2) << "\n";
         return;
@@ -57,6 +61,8 @@ void runMoon() {
     std::snprintf(line, sizeof line, "%s, age %.1f days, %.0f%% illuminated, %.0f km, %.1f'",
                   out["phase"].get<std::string>().c_str(), out["age"].get<double>(), 100.0 * out["illuminated"].get<double>(),
                   out["distanceKm"].get<double>(), out["diameterArcsec"].get<double>() / 60.0);
+    std::cout << line << "\n";
+    std::snprintf(line, sizeof line, "Libration: longitude %+.2f, latitude %+.2f", libration.longitudeDeg, libration.latitudeDeg);
     std::cout << line << "\n";
     std::cout << "Rise " << text(out["rise"]) << "  transit " << text(out["transit"]) << "  set " << text(out["set"]) << "\n";
     for (const auto& p : out["nextPhases"]) std::cout << p["time"].get<std::string>() << "  " << p["phase"].get<std::string>() << "\n";
