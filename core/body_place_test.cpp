@@ -10,6 +10,7 @@
 
 #include "core/astro_constants.h"
 #include "core/planet_series_format.h"
+#include "core/delta_t_model.h"
 #include "core/swetest_reference.h"
 
 namespace nocturnel {
@@ -92,6 +93,47 @@ TEST(BodyPlaceReference, GeocentricApparentPlacesMatchSwissEphemeris) {
     for (int b = 0; b < kSolarBodyCount; ++b)
         std::printf("%-8s worst %.3f\" of %.1f\" (%s)\n", solarBodyName(kTolerances[b].body), worst[b],
                     kTolerances[b].arcsec, kTolerances[b].reason);
+}
+
+}  // namespace
+}  // namespace nocturnel
+
+namespace nocturnel {
+namespace {
+
+// Topocentric places (the Moon's parallax reaches a degree) against swetest -topo, within 1"
+// for the Sun and Moon: the same theories as above; the site's height and the Earth's
+// rotation (from our DeltaT model, a second at most from swetest's) add nothing visible.
+TEST(BodyPlaceReference, TopocentricPlacesMatchSwissEphemeris) {
+    if (!test::swetestAvailable()) GTEST_SKIP() << test::kSwetestSkip;
+    if (!loadTestSeries()) GTEST_SKIP() << "no nocturnel_planets.ppc in NOCTURNEL_TEST_DATA: run make-catalogs.sh";
+    struct Site {
+        double lonEast, lat, heightM;
+    } sites[] = {{-1.8, 48.1, 60}, {151.2, -33.9, 10}, {-70.4, -24.6, 2600}};
+    int compared = 0;
+    for (const Site& s : sites)
+        for (double jdTt : {2433282.5, 2451545.3, 2461368.8, 2481000.1}) {
+            char args[200];
+            const SiteInfo site{s.lat, s.lonEast, s.heightM, 10.0, 1010.0};
+            // The Earth turned by swetest's own DeltaT: the two models part by tens of seconds
+            // in 2080, which would turn the Moon's parallax by several arcseconds.
+            double deltaT = deltaTSecondsFor(jdTt, kDeltaTJplHorizon);
+            std::snprintf(args, sizeof args, "-bj%.6f -p0 -fP", jdTt);
+            for (const auto& w : test::runSwetest(args))
+                for (size_t i = 0; i + 2 < w.size(); ++i)
+                    if (w[i] == "delta" && w[i + 1] == "t:") deltaT = std::stod(w[i + 2]);
+            std::snprintf(args, sizeof args, "-bj%.6f -p01 -fPad -head -ep -topo%.4f,%.4f,%.0f", jdTt, s.lonEast, s.lat, s.heightM);
+            const auto lines = test::runSwetest(args);
+            ASSERT_EQ(lines.size(), 2u);
+            for (int b = 0; b < 2; ++b) {
+                BodyPlace place;
+                ASSERT_EQ(topocentricPlace(static_cast<SolarBody>(b), jdTt, deltaT, site, &place), 0);
+                const double sep = separationArcsec(place.raHours, place.decDeg, std::stod(lines[b][1]) / 15.0, std::stod(lines[b][2]));
+                EXPECT_LT(sep, 1.0) << lines[b][0] << " " << jdTt << " at " << s.lat;
+                ++compared;
+            }
+        }
+    EXPECT_EQ(compared, 24);
 }
 
 }  // namespace
