@@ -12,6 +12,7 @@
 #include "chart/label_layout.h"
 #include "chart/milky_way_layer.h"
 #include "chart/star_names.h"
+#include "chart/solar_system_layer.h"
 #include "chart/png_writer.h"
 #include "chart/sky_objects.h"
 #include "chart/star_images.h"
@@ -140,6 +141,7 @@ ChartSurface renderChart(const ChartRequest& request, ChartResult& result) {
         request.stopRequested);
     cairo_surface_mark_dirty(surface.get());
 
+    drawSolarSystem(ctx, result.jdUt);
     std::vector<PlacedLabel> placed;
     placeLabels(ctx, chartLabels, &placed);
     for (const PlacedLabel& l : placed) result.labels.push_back({l.text, l.left, l.top, l.width, l.height});

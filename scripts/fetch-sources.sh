@@ -41,4 +41,14 @@ if [ ! -f stellarium/usr/share/stellarium/nebulae/default/catalog.dat ] ||
     ./usr/share/doc/stellarium-data/copyright
   rm -f stellarium-data_*.deb
 fi
+# astronomia (npm, MIT): the VSOP87B planetary series and the ELP/MPP02 lunar series.
+if [ ! -f astronomia/data/elpMppDeFull.js ]; then
+  echo "sources: astronomia (planetary and lunar series) from npm"
+  rm -rf astronomia package astronomia-*.tgz
+  npm pack --silent astronomia@4.2.0 >/dev/null
+  tar xzf astronomia-4.2.0.tgz
+  mv package astronomia
+  rm -f astronomia-4.2.0.tgz
+fi
+
 echo "sources: ready in $dir"

@@ -10,6 +10,7 @@ packages=(build-essential cmake pkg-config git ccache
           nodejs npm
           clang libclang-rt-14-dev  # fuzz targets: clang's libFuzzer and sanitizer runtimes
           indi-bin  # INDI's own mount drivers: the interoperability tests run them against our simulators
+          swetest swe-basic-data  # Swiss Ephemeris, reference for the Sun, Moon and planet tests only
           )
 
 missing=()

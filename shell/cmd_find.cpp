@@ -16,6 +16,7 @@
 #include "catalog/objects.h"
 #include "core/angle_text.h"
 #include "shell/app.h"
+#include "shell/cmd_planets.h"
 #include "shell/commands.h"
 
 namespace nocturnel {
@@ -111,6 +112,7 @@ void registerFindCommand(CLI::App& app) {
         }
         std::string name;
         for (const std::string& word : *words) name += (name.empty() ? "" : " ") + word;
+        if (findAndPrintSolarSystemBody(name)) return;
         FoundObject object;
         if (!findObjectByName(name, object)) {
             setExitCode(1);

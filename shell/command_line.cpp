@@ -29,6 +29,8 @@ void registerAllCommands(CLI::App& app) {
     registerScopeCommand(app);
     registerAlignCommand(app);
     registerInfoCommand(app);
+    registerPlanetsCommand(app);
+    registerSkyEventCommands(app);
 }
 
 bool jsonRequested(const std::vector<std::string>& words) {

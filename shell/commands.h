@@ -16,5 +16,7 @@ void registerChartCommand(CLI::App& app);    // nocturnel chart
 void registerScopeCommand(CLI::App& app);    // nocturnel scope
 void registerAlignCommand(CLI::App& app);    // nocturnel align
 void registerInfoCommand(CLI::App& app);     // nocturnel info
+void registerPlanetsCommand(CLI::App& app);  // nocturnel planets, nocturnel rise
+void registerSkyEventCommands(CLI::App& app);  // nocturnel twilight, moon, events
 
 }  // namespace nocturnel

@@ -16,6 +16,7 @@
 #include "tools/milky_way_file.h"
 #include "tools/name_file.h"
 #include "tools/object_files.h"
+#include "tools/planet_series_builder.h"
 #include "tools/record_io.h"
 #include "tools/sources.h"
 #include "tools/star_files.h"
@@ -380,10 +381,12 @@ int buildCatalogues(const BuildOptions& options, BuildReport* reportOut) {
         writeConstellations(writer, stars.constellations) &&
         writer.write("nocturnel_eyepiece.ppc", 1, eyepieceRecords()) && writeMilkyWay(writer, paths.d3) &&
         writer.write(kNameFile, kNameFileVersion, buildNameRecords(objectFiles, stars.names)) &&
+        writePlanetSeriesFile(options.sourcesFolder, stage, report) &&
         (options.tycho2File.empty() ? writeDeepStarCard(writer, paths.stellariumStars, deepStars)
                                     : writeTycho(writer, options.tycho2File));
     if (!written) return 1;
-    if (!writeWholeFile(stage / "SOURCES", sourcesText(paths, dso, !options.tycho2File.empty(), deepStars))) {
+    if (!writeWholeFile(stage / "SOURCES", sourcesText(paths, dso, !options.tycho2File.empty(), deepStars) +
+                                                  planetSeriesSourcesText(options.sourcesFolder))) {
         showMessage(kWriteFailed, (stage / "SOURCES").string());
         return 1;
     }

@@ -1,0 +1,12 @@
+#pragma once
+// The chart layer of the Sun, the Moon (with its phase, at its true size when the zoom makes
+// it larger than its symbol) and the planets, with their names.
+#include "chart/chart_layers.h"
+
+namespace nocturnel {
+
+// Draws the bodies for the UT date at the site of the preferences. Draws nothing, silently,
+// when the planet file is missing (the planets command reports it).
+void drawSolarSystem(const LayerContext& ctx, double jdUt);
+
+}  // namespace nocturnel

@@ -1,0 +1,84 @@
+#include "core/delta_t_model.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/astro_constants.h"
+#include "settings/preferences.h"
+
+namespace nocturnel {
+namespace {
+
+// Espenak & Meeus (2006), "Five Millennium Canon of Solar Eclipses", NASA/TP-2006-214141.
+double espenakMeeus(double y) {
+    if (y < -500.0 || y >= 2150.0) {
+        const double u = (y - 1820.0) / 100.0;
+        return -20.0 + 32.0 * u * u;
+    }
+    if (y < 500.0) {
+        const double u = y / 100.0;
+        return 10583.6 + u * (-1014.41 + u * (33.78311 + u * (-5.952053 + u * (-0.1798452 + u * (0.022174192 + u * 0.0090316521)))));
+    }
+    if (y < 1600.0) {
+        const double u = (y - 1000.0) / 100.0;
+        return 1574.2 + u * (-556.01 + u * (71.23472 + u * (0.319781 + u * (-0.8503463 + u * (-0.005050998 + u * 0.0083572073)))));
+    }
+    if (y < 1700.0) {
+        const double t = y - 1600.0;
+        return 120.0 - 0.9808 * t - 0.01532 * t * t + t * t * t / 7129.0;
+    }
+    if (y < 2050.0) {  // only reached past the observed table
+        const double t = y - 2000.0;
+        return 62.92 + 0.32217 * t + 0.005589 * t * t;
+    }
+    const double u = (y - 1820.0) / 100.0;
+    return -20.0 + 32.0 * u * u - 0.5628 * (2150.0 - y);
+}
+
+// Chapront-Touze & Chapront (1997), Lunar Tables and Programs, with Meeus's correction to 2100.
+double chaprontTouze(double y) {
+    const double t = (y - 2000.0) / 100.0;
+    double dt = 102.0 + 102.0 * t + 25.3 * t * t;
+    if (y >= 2000.0 && y < 2100.0) dt += 0.37 * (y - 2100.0);
+    return dt;
+}
+
+double observed(double y) {
+    const double x = (y - kObservedDeltaTFirstYear) / kObservedDeltaTStepYears;
+    const int i = std::clamp(static_cast<int>(std::floor(x)), 0, kObservedDeltaTCount - 2);
+    const double f = x - i;
+    return kObservedDeltaTSec[i] + (kObservedDeltaTSec[i + 1] - kObservedDeltaTSec[i]) * f;
+}
+
+// The extrapolation shifted to meet the table's end value, the shift fading over a century.
+double joined(double y, double (*formula)(double)) {
+    const double first = kObservedDeltaTFirstYear;
+    const double last = first + (kObservedDeltaTCount - 1) * kObservedDeltaTStepYears;
+    const double edge = y < first ? first : last;
+    const double shift = observed(edge) - formula(edge);
+    const double fade = std::max(0.0, 1.0 - std::abs(y - edge) / 100.0);
+    return formula(y) + shift * fade;
+}
+
+}  // namespace
+
+double decimalYearOfJd(double jd) { return 2000.0 + (jd - kJ2000Jd) / 365.25; }
+
+double deltaTSecondsFor(double jdUt, int formula) {
+    const double y = decimalYearOfJd(jdUt);
+    const double last = kObservedDeltaTFirstYear + (kObservedDeltaTCount - 1) * kObservedDeltaTStepYears;
+    if (y >= kObservedDeltaTFirstYear && y <= last) return observed(y);
+    return joined(y, formula == kDeltaTChaprontTouze1997 ? chaprontTouze : espenakMeeus);
+}
+
+double modelDeltaTSeconds(double jdUt) { return deltaTSecondsFor(jdUt, prefs().deltaTFormula); }
+
+double ttFromUt(double jdUt) { return jdUt + modelDeltaTSeconds(jdUt) / kSecondsPerDay; }
+
+double utFromTt(double jdTt) {
+    double jdUt = jdTt - modelDeltaTSeconds(jdTt) / kSecondsPerDay;
+    jdUt = jdTt - modelDeltaTSeconds(jdUt) / kSecondsPerDay;
+    return jdUt;
+}
+
+}  // namespace nocturnel
