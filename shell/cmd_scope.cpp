@@ -156,7 +156,6 @@ void installMountQuestionSink() {
 // Start-up, then this run's overrides of the link settings. False (message shown) on failure.
 bool prepare(const ScopeOptions& o) {
     if (!startUp()) return false;
-    installMountQuestionSink();
     if (const char* settle = std::getenv("NOCTURNEL_SERIAL_SETTLE_MS"))
         setSerialSettleMillisecondsForTests(std::atoi(settle));
     if (!applyDriveOptions(o.drive, o.port)) return false;
@@ -417,6 +416,8 @@ void addTargetOptions(CLI::App* command, ScopeOptions& o) {
 void registerScopeCommand(CLI::App& app) {
     auto o = std::make_shared<ScopeOptions>();
     scriptedAnswer().reset();
+    // For every command of this run (align --from-scope drives the mount too), not only scope.
+    installMountQuestionSink();
     CLI::App* scope = app.add_subcommand("scope", "Drive the telescope: connect, read, goto, sync, move, track");
     scope->require_subcommand(1);
     scope->fallthrough();

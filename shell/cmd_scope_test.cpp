@@ -268,6 +268,8 @@ TEST_F(ScopeCommand, MoveNorthMovesTheLx200SimulatorAndStopLeavesItStill) {
     EXPECT_NEAR(jsonNumber(second, "dec"), jsonNumber(first, "dec"), 1e-9);  // stopped means still
 }
 
+std::string packetBytes(const NexStarPacket& packet) { return {packet.begin(), packet.end()}; }
+
 int takahashiMotion(TakahashiSimulation& sim) {
     std::lock_guard lock(sim.mutex);
     return sim.motionDirection;
@@ -322,6 +324,33 @@ TEST_F(ScopeCommand, MoveSendsItsStopEvenWhenTheMountFallsSilent) {
     EXPECT_TRUE(move.shown("The stop was sent to a mount that did not answer")) << move.titles();
     ASSERT_TRUE(mount.waitUntilReceived("#:Qn#"));
     EXPECT_EQ(model->state().moving, -1);
+
+    // The same for the other families that move.
+    auto nexstar = std::make_shared<NexStarMountModel>();
+    PtyMount nexstarMount([nexstar](std::string& pending) {
+        std::string reply = nexstar->respond(pending);
+        if (nexstar->moving()) nexstar->update([](NexStarMountState& st) { st.silent = true; });
+        return reply;
+    });
+    CliRun nexstarMove = run({"scope", "--drive", "NexStarGPS,GT,CGE", "--port", nexstarMount.devicePath(), "move",
+                              "n", "--seconds", "0.2"});
+    EXPECT_EQ(nexstarMove.exit, 1);
+    ASSERT_TRUE(nexstarMount.waitUntilReceived(packetBytes(nexstarStopPacket(0))));
+    EXPECT_FALSE(nexstar->moving());
+
+    takahashiResetState();
+    auto temma = std::make_shared<TakahashiSimulation>();
+    PtyMount temmaMount([temma, inner = makeTakahashiResponder(temma)](std::string& pending) mutable {
+        std::string reply = inner(pending);
+        std::lock_guard lock(temma->mutex);
+        if (temma->motionDirection >= 0) temma->silent = true;
+        return reply;
+    });
+    CliRun temmaMove = run({"scope", "--drive", "Takahashi", "--port", temmaMount.devicePath(), "move", "n",
+                            "--seconds", "0.2"});
+    EXPECT_EQ(temmaMove.exit, 1);
+    ASSERT_TRUE(temmaMount.waitUntilReceived("M@\r\n"));
+    EXPECT_EQ(takahashiMotion(*temma), -1);
 }
 
 // Sync then read gives the synced place, for every family that syncs; the NexStar offsets
