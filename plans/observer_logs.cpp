@@ -10,65 +10,15 @@
 #include "settings/message.h"
 #include "settings/program_folder.h"
 #include "settings/text_encoding.h"
+#include "plans/user_file_names.h"
+#include "plans/user_files.h"
 
 namespace nocturnel {
 namespace fs = std::filesystem;
 
 namespace {
 constexpr std::string_view kLogExtension = ".log";
-
-// Reads at most `limit` bytes of a regular file without ever blocking on a FIFO or a device.
-std::optional<std::string> readRegularFile(const fs::path& path, std::size_t limit) {
-    const int fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOFOLLOW);
-    if (fd < 0) return std::nullopt;
-    struct stat st {};
-    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
-        ::close(fd);
-        return std::nullopt;
-    }
-    std::string bytes(limit, '\0');
-    std::size_t got = 0;
-    while (got < limit) {
-        const ssize_t n = ::read(fd, bytes.data() + got, limit - got);
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) break;
-        got += static_cast<std::size_t>(n);
-    }
-    ::close(fd);
-    bytes.resize(got);
-    return bytes;
-}
 }  // namespace
-
-bool replaceFileContents(const fs::path& path, std::string_view bytes) {
-    static int counter = 0;
-    const fs::path temp =
-        path.parent_path() / ("." + path.filename().string() + ".tmp-" + std::to_string(::getpid()) + "-" +
-                              std::to_string(++counter));
-    const int fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
-    if (fd < 0) return false;
-    bool ok = true;
-    std::size_t done = 0;
-    while (ok && done < bytes.size()) {
-        const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) ok = false;
-        else done += static_cast<std::size_t>(n);
-    }
-    ok = ok && ::fsync(fd) == 0;
-    ok = (::close(fd) == 0) && ok;
-    if (ok) ok = ::rename(temp.c_str(), path.c_str()) == 0;
-    if (!ok) {
-        ::unlink(temp.c_str());
-        return false;
-    }
-    const int dir = ::open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (dir >= 0) {
-        ::fsync(dir);
-        ::close(dir);
-    }
-    return true;
-}
 
 std::vector<LogEntry> listObserverLogs() {
     std::vector<LogEntry> entries;
@@ -87,20 +37,7 @@ std::vector<LogEntry> listObserverLogs() {
 }
 
 std::optional<std::string> logFileNameFor(std::string_view objectLatin1) {
-    const auto refuse = [&](std::string_view why) {
-        showMessage("Invalid object name for a log", why);
-        return std::nullopt;
-    };
-    if (objectLatin1.empty()) return refuse("The object name is empty.");
-    if (objectLatin1.size() >= kLogObjectField) return refuse("An object name has at most 19 characters.");
-    if (objectLatin1 == "." || objectLatin1 == ".." || objectLatin1.front() == '.')
-        return refuse("An object name cannot begin with a dot.");
-    for (const char c : objectLatin1) {
-        const auto u = static_cast<unsigned char>(c);
-        if (c == '/' || c == '\\') return refuse("An object name cannot hold a slash.");
-        if (u < 0x20 || u == 0x7F || (u >= 0x80 && u < 0xA0)) return refuse("An object name cannot hold control characters.");
-    }
-    return latin1ToUtf8(objectLatin1);
+    return userFileStem(objectLatin1, kLogObjectField - 1, "Invalid object name for a log");
 }
 
 LogReadStatus readObserverLogFile(const fs::path& path, ObserverLog& out) {

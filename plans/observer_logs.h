@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "plans/observer_log_record.h"
+#include "plans/user_files.h"
 
 namespace nocturnel {
 
@@ -47,9 +48,5 @@ bool deleteObserverLog(int listingIndex);
 // Reads a log file's record: the bytes and the magic check, without any message.
 enum class LogReadStatus { kOk, kShort, kCorrupted };
 LogReadStatus readObserverLogFile(const std::filesystem::path& path, ObserverLog& out);
-
-// Writes bytes to a file through a temporary file in the same folder and a rename, so that a
-// failed write leaves the previous file as it was. False (no message) on any failure.
-bool replaceFileContents(const std::filesystem::path& path, std::string_view bytes);
 
 }  // namespace nocturnel

@@ -28,6 +28,7 @@ void registerAllCommands(CLI::App& app) {
     registerScopeCommand(app);
     registerAlignCommand(app);
     registerLogCommand(app);
+    registerRoamCommands(app);
 }
 
 }  // namespace nocturnel

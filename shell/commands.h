@@ -16,5 +16,7 @@ void registerChartCommand(CLI::App& app);    // nocturnel chart
 void registerScopeCommand(CLI::App& app);    // nocturnel scope
 void registerAlignCommand(CLI::App& app);    // nocturnel align
 void registerLogCommand(CLI::App& app);      // nocturnel log
+void registerRoamCommands(CLI::App& app);    // nocturnel roam, list, memo, usercat
+void registerListCommands(CLI::App& app);    // nocturnel list, memo, usercat (from registerRoamCommands)
 
 }  // namespace nocturnel
