@@ -59,8 +59,9 @@ public:
         outcome.stages.emplace_back(line);
         if (hooks_.stageLine) hooks_.stageLine(line);
     }
-    // Offers one candidate; false when the run must end.
-    bool offer(const ObjectReference& candidate) {
+    // Offers one candidate; false when the run must end. `added` tells whether it joined the list.
+    bool offer(const ObjectReference& candidate, bool* added = nullptr) {
+        if (added) *added = false;
         if (done()) return false;
         if (acceptObject(c_, candidate, hooks_.conditions) != kAccepted) return true;
         if (mode_ == SelectionMode::kRemove) {
@@ -75,6 +76,7 @@ public:
         if (list_.contains(candidate)) return true;
         list_.items.push_back(candidate);
         ++outcome.added;
+        if (added) *added = true;
         return !done();
     }
 
@@ -160,8 +162,11 @@ void membershipStage(Run& run, std::string_view line, int catalog, std::vector<b
         const int number = catalog == kCatalogMessier ? o.messier : catalog == kCatalogCaldwell ? o.caldwell
                                                                                               : (o.catalog == catalog ? o.number : 0);
         if (number <= 0) continue;
-        taken[static_cast<std::size_t>(i)] = true;
-        if (!run.offer(referenceOfRecord(o, catalog, number))) return;
+        // An object listed here is not offered again under its own catalogue by the deep-sky stage.
+        bool added = false;
+        const bool more = run.offer(referenceOfRecord(o, catalog, number), &added);
+        if (added) taken[static_cast<std::size_t>(i)] = true;
+        if (!more) return;
     }
 }
 
