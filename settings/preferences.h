@@ -8,6 +8,8 @@
 #include <cstring>
 #include <type_traits>
 
+#include "settings/selection_criteria.h"
+
 namespace nocturnel {
 
 // Local civil date and time at the site (never UT).
@@ -149,6 +151,9 @@ struct Preferences {
     char userCatalogFile[32] = {};     // "nocturnel_user_catalog.pdb"
     int32_t catalogEpochYear = 1950;
     ObservingMoment moment;            // the current observing moment, local civil time
+
+    // ---- SkyRoamer ----
+    SelectionCriteria selection;
 };
 static_assert(std::is_trivially_copyable_v<Preferences>);
 

@@ -31,6 +31,8 @@ void registerAllCommands(CLI::App& app) {
     registerInfoCommand(app);
     registerPlanetsCommand(app);
     registerSkyEventCommands(app);
+    registerLogCommand(app);
+    registerRoamCommands(app);
 }
 
 bool jsonRequested(const std::vector<std::string>& words) {

@@ -18,5 +18,8 @@ void registerAlignCommand(CLI::App& app);    // nocturnel align
 void registerInfoCommand(CLI::App& app);     // nocturnel info
 void registerPlanetsCommand(CLI::App& app);  // nocturnel planets, nocturnel rise
 void registerSkyEventCommands(CLI::App& app);  // nocturnel twilight, moon, events
+void registerLogCommand(CLI::App& app);      // nocturnel log
+void registerRoamCommands(CLI::App& app);    // nocturnel roam, list, memo, usercat
+void registerListCommands(CLI::App& app);    // nocturnel list, memo, usercat (from registerRoamCommands)
 
 }  // namespace nocturnel
