@@ -93,6 +93,10 @@ void printField(const Preferences& p, const PreferenceField& f) {
         value = std::string(index) + " \"" + value + "\"";
     } else if (f.type == FieldType::Text) {
         value = "\"" + value + "\"";
+    } else if (f.type == FieldType::Real) {
+        char number[40];  // the digits the record's float holds: 31.96, not 31.95999908
+        std::snprintf(number, sizeof number, "%.10g", jsonNumberOfField(preferenceNumber(p, f)));
+        value = number;
     }
     std::cout << f.name << " = " << value;
     if (f.name.find('[') != std::string_view::npos) std::cout << "   \"" << toUtf8(std::string(f.meaning)) << "\"";
