@@ -8,6 +8,7 @@
 #include "catalog/catalog_test_support.h"
 #include "catalog/star_catalog.h"
 #include "settings/message.h"
+#include "settings/program_folder.h"
 #include "settings/preferences.h"
 
 namespace nocturnel {
@@ -37,7 +38,8 @@ TEST_F(StartUpTest, WithoutDefaultStarsStartUpAborts) {
     MessageCapture messages;
     EXPECT_EQ(openCatalogues(), -1);
     EXPECT_EQ(texts(messages),
-              std::vector<std::string>{"Could not open star database\nPlease install nocturnel_default_stars.ppc"});
+              std::vector<std::string>{"Could not open star database\nPlease install nocturnel_default_stars.ppc in " +
+                                       dataPath("x").parent_path().string()});
     EXPECT_FALSE(objectSlot().isOpen());
 }
 
@@ -46,7 +48,8 @@ TEST_F(StartUpTest, WithoutObjectFilesStartUpAborts) {
     MessageCapture messages;
     EXPECT_EQ(openCatalogues(), -1);
     EXPECT_EQ(texts(messages), std::vector<std::string>{"Could not open object database\n\nPlease install either:\n"
-                                                        "nocturnel_obj_1k.ppc or,\nnocturnel_obj_18k.ppc"});
+                                                        "nocturnel_obj_1k.ppc or,\nnocturnel_obj_18k.ppc\nin " +
+                                                        dataPath("x").parent_path().string()});
 }
 
 TEST_F(StartUpTest, OnlyTheSmallObjectFileOpensSilently) {
@@ -184,7 +187,8 @@ TEST_F(ZoomSwitchTest, AMissingFileLeavesOnlyTheDefaultStars) {
     MessageCapture messages;
     EXPECT_FALSE(switchStarCatalogForZoom(6));
     EXPECT_EQ(texts(messages), (std::vector<std::string>{
-                                   "Please install nocturnel_hip_32k.ppc in /PALM/Programs/Nocturnel folder.\n",
+                                   "Please install nocturnel_hip_32k.ppc in /PALM/Programs/Nocturnel folder.\nLooked in " +
+                                       dataPath("x").parent_path().string(),
                                    "Could not open optional stellar database\nUse only default stars"}));
     EXPECT_EQ(starsPerBlock(), 0);
     EXPECT_FALSE(starCatalogSlot().isOpen());

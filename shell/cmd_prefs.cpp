@@ -57,6 +57,15 @@ void printEntries(std::string_view field, const std::vector<FieldEntryText>& ent
     }
 }
 
+// After a refused value: the entries the field takes. With --json they go into the error
+// (a second message), so that standard output stays one JSON document.
+void showEntriesAfterRefusal(std::string_view field, const std::vector<FieldEntryText>& entries, long current) {
+    if (!globalOptions().json) return printEntries(field, entries, current);
+    std::string text;
+    for (const FieldEntryText& e : entries) text += (text.empty() ? "" : ", ") + std::to_string(e.index) + " " + e.label;
+    showMessage("The entries of " + std::string(field), text.empty() ? "(no entries)" : text);
+}
+
 // For a box group (displayBox, scrollBox, telradRingDeg): each element with its label and value.
 bool printGroup(const Preferences& p, const std::string& group) {
     const auto entries = fieldEntries(group);
@@ -84,6 +93,10 @@ void printField(const Preferences& p, const PreferenceField& f) {
         value = std::string(index) + " \"" + value + "\"";
     } else if (f.type == FieldType::Text) {
         value = "\"" + value + "\"";
+    } else if (f.type == FieldType::Real) {
+        char number[40];  // the digits the record's float holds: 31.96, not 31.95999908
+        std::snprintf(number, sizeof number, "%.10g", jsonNumberOfField(preferenceNumber(p, f)));
+        value = number;
     }
     std::cout << f.name << " = " << value;
     if (f.name.find('[') != std::string_view::npos) std::cout << "   \"" << toUtf8(std::string(f.meaning)) << "\"";
@@ -167,13 +180,13 @@ void runSet(const SetArguments& args) {
             if (e.label == value) value = std::to_string(e.index);
         const auto index = checkedInteger(value, 0, 1000000, name);
         if (!index) {
-            printEntries(name, *entries, -1);
+            showEntriesAfterRefusal(name, *entries, -1);
             return setExitCode(1);
         }
         if (!isListedIndex(name, *index)) {
             showMessage("Invalid value \"" + args.value + "\" for " + name,
                         entries->empty() ? "The list is empty." : "Give one of the indexes listed.");
-            printEntries(name, *entries, static_cast<long>(preferenceNumber(prefs(), *field)));
+            showEntriesAfterRefusal(name, *entries, static_cast<long>(preferenceNumber(prefs(), *field)));
             return setExitCode(1);
         }
     }
@@ -194,7 +207,7 @@ void runSet(const SetArguments& args) {
             return false;
         })) {
         if (const auto entries = fieldEntries(name); refused && entries && field->type == FieldType::Index)
-            printEntries(name, *entries, static_cast<long>(preferenceNumber(prefs(), *field)));
+            showEntriesAfterRefusal(name, *entries, static_cast<long>(preferenceNumber(prefs(), *field)));
         return;
     }
     const PreferenceField* f = field;

@@ -111,7 +111,7 @@ void runMean(const PlaceOptions& options) {
               << "Dec (J2000): " << toUtf8(degreesText(dec)) << "\n";
 }
 
-const char* kLevelHelp =
+constexpr const char* kLevelHelp =
     "Correction level 0..3: 0 geocentric, 1 geocentric + refraction, 2 topocentric, 3 topocentric + refraction; "
     "-1 none (default: the preferences' Correction)";
 

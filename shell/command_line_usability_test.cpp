@@ -259,6 +259,12 @@ TEST_F(CommandLineUsability, PortsAndIndexesOutsideTheirListAreRefusedWithTheLis
     r = run({"prefs", "set", "eyepieceIndex", "3"});  // this folder has no eyepiece database
     EXPECT_EQ(r.exit, 1);
     EXPECT_EQ(run({"prefs", "set", "scopePort", "None"}).exit, 0);
+    // With --json the entries come inside the one JSON error.
+    r = run({"--json", "prefs", "set", "scopeDrive", "99"});
+    EXPECT_EQ(r.exit, 1);
+    const auto j = r.json();
+    EXPECT_EQ(j["error"]["title"], "Invalid value \"99\" for scopeDrive");
+    EXPECT_NE(j["messages"][1]["detail"].get<std::string>().find("3 BBox"), std::string::npos) << r.out;
 }
 
 // ---- 6. Errors that help ----

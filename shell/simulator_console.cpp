@@ -74,7 +74,14 @@ SimulatorConsole::SimulatorConsole(std::shared_ptr<EncoderBoxSimulation> box) : 
     thread_ = std::thread([this] {
         std::string pending;
         while (!stop_) {
+            // A simulator started in the background of a shell never reads the terminal (that
+            // would stop it); it reads once it is brought to the foreground.
+            const bool background = ::isatty(STDIN_FILENO) && ::tcgetpgrp(STDIN_FILENO) != ::getpgrp();
             pollfd in{STDIN_FILENO, POLLIN, 0};
+            if (background) {
+                ::poll(nullptr, 0, 100);
+                continue;
+            }
             if (::poll(&in, 1, 100) <= 0) continue;
             char bytes[256];
             const ssize_t n = ::read(STDIN_FILENO, bytes, sizeof bytes);
