@@ -117,12 +117,13 @@ SeriesValue vsopCoordinate(const PlanetSeriesSet& set, SeriesBody body, int coor
     return {value, rate};
 }
 
-double vsopValue(const PlanetSeriesSet& set, SeriesBody body, int coordinate, double tau) {
+double vsopValue(const PlanetSeriesSet& set, SeriesBody body, int coordinate, double tau, double minAmplitude) {
     double value = 0.0;
     for (const PlanetSeriesSet::Span& span : set.series[static_cast<int>(body)][coordinate]) {
         double sum = 0.0;
         const PlanetSeriesTerm* t = set.terms.data() + span.first;
-        for (uint32_t i = 0; i < span.count; ++i, ++t) sum += t->amplitude * std::cos(t->phase[0] + t->phase[1] * tau);
+        for (uint32_t i = 0; i < span.count; ++i, ++t)
+            if (std::abs(t->amplitude) >= minAmplitude) sum += t->amplitude * std::cos(t->phase[0] + t->phase[1] * tau);
         value += sum * std::pow(tau, span.power);
     }
     return value;
