@@ -7,7 +7,9 @@ packages=(build-essential cmake pkg-config git ccache
           libgtest-dev libgmock-dev libbenchmark-dev liberfa-dev
           libcairo2-dev libfontconfig-dev zlib1g-dev fonts-dejavu-core
           libcli11-dev libcpp-httplib-dev nlohmann-json3-dev
-          nodejs npm)
+          nodejs npm
+          chromium    # headless browser for the page's tests (web/tests)
+          )
 
 missing=()
 for p in "${packages[@]}"; do
@@ -27,4 +29,10 @@ if [ ${#missing[@]} -gt 0 ]; then
   $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"
 else
   echo "setup: all packages present"
+fi
+
+# The page's browser tests drive chromium through npm's playwright-core (never its own browser).
+web="$(cd "$(dirname "$0")/.." && pwd)/web"
+if [ ! -d "$web/node_modules" ]; then
+  (cd "$web" && PLAYWRIGHT_SKIP_BROWSER_DOWNLOAD=1 npm ci --no-audit --no-fund)
 fi
