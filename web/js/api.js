@@ -29,7 +29,7 @@ async function answerPendingQuestion() {
   const yes = await ask(typeof pending === 'string' ? pending : pending.text);
   await fetch('/api/answer', {
     method: 'POST', headers: { 'Content-Type': 'application/json' },
-    body: JSON.stringify({ id: q.id ?? pending.id, answer: yes ? 'yes' : 'no', yes }),
+    body: JSON.stringify({ id: q.id, yes }),
   }).catch(() => {});
 }
 
@@ -61,10 +61,12 @@ export async function request(method, path, body, opts = {}) {
     const text = await r.text();
     try { data = text ? JSON.parse(text) : {}; } catch { data = { error: { title: 'Bad answer', detail: text.slice(0, 120) } }; }
     if (data === null || typeof data !== 'object' || Array.isArray(data)) data = { value: data };
-    if (!opts.silent) showMessages(data.messages);
+    const messages = Array.isArray(data.messages) ? data.messages : [];
+    if (!opts.silent) showMessages(messages);
     if (!r.ok) {
+      // A failed job's error repeats its first message: shown once.
       const m = messageOf(data.error);
-      if (!opts.silent) showMessage(m.title, m.detail);
+      if (!opts.silent && !messages.length) showMessage(m.title, m.detail);
       return { ...data, ok: false, status: r.status };
     }
     return { ...data, ok: true, status: r.status };

@@ -2,82 +2,110 @@
 // A description holds numbered controls with their labels, list entries top to bottom (the
 // stored index is the position in that list), help texts ("Inf") and current values, grouped
 // under captions. The page knows no form: a new form is a new description.
+//   control types: list, selector (a row of choices), number, text, check, static.
 import { el } from './dom.js';
 import { showMessage } from './modal.js';
 
-const CHECK = new Set(['check', 'checkbox', 'bool', 'boolean', 'box']);
-const LIST = new Set(['list', 'choice', 'popup', 'select', 'enum', 'index', 'selector']);
-const NUMBER = new Set(['number', 'integer', 'real', 'int', 'float']);
+const CHECK = new Set(['check', 'checkbox', 'bool', 'boolean']);
+const LIST = new Set(['list', 'choice', 'popup', 'select']);
+const SELECTOR = new Set(['selector', 'radio']);
+const NUMBER = new Set(['number', 'integer', 'real']);
 
-const controlKey = (c) => String(c.id ?? c.name ?? c.field ?? c.label);
+export const controlKey = (c) => String(c.name ?? c.id ?? c.label);
 const entryText = (e) => (typeof e === 'string' ? e : e.label ?? e.text ?? String(e.value));
 
-function groupsOf(form) {
-  if (Array.isArray(form.groups)) return form.groups;
-  const controls = form.controls || form.fields || [];
-  const groups = [];
-  for (const c of controls) {
-    const name = c.group ?? '';
-    let g = groups.find((x) => x.label === name);
-    if (!g) { g = { label: name, controls: [] }; groups.push(g); }
-    g.controls.push(c);
-  }
-  return groups;
+function infButton(text, caption) {
+  return el('button', { class: 'inf', type: 'button', 'data-inf': caption || '', onclick: () => showMessage(caption || '', text, 'Information') }, 'Inf');
 }
 
-function infButton(text, caption) {
-  return el('button', { class: 'inf', type: 'button', onclick: () => showMessage(caption || 'Inf', text, 'Inf') }, 'Inf');
+const withInf = (row, c) => (c.help ? [row, el('div', { class: 'buttons' }, infButton(c.help, c.label))] : row);
+
+function typeOf(c) {
+  if (c.type) return String(c.type).toLowerCase();
+  if (c.entries) return 'list';
+  if (typeof c.value === 'boolean') return 'check';
+  return typeof c.value === 'number' ? 'number' : 'text';
+}
+
+function checkControl(c, key, inputs) {
+  const id = 'ctl-' + key.replace(/\W/g, '_');
+  const box = el('input', { id, name: key, 'data-control': key, type: 'checkbox', checked: c.value === true || !!Number(c.value ?? 0), disabled: !!c.readOnly });
+  inputs.set(key, { control: c, node: box, read: () => (typeof c.value === 'boolean' ? box.checked : box.checked ? 1 : 0) });
+  return withInf(el('label', { class: 'row check', for: id }, box, c.label ?? ''), c);
+}
+
+function selectorControl(c, key, inputs) {
+  const entries = (c.entries || []).map(entryText);
+  let value = typeof c.value === 'number' ? c.value : Math.max(0, entries.indexOf(String(c.value)));
+  const group = el('div', { class: 'selector', role: 'radiogroup', 'data-control': key, 'aria-label': c.label || key });
+  const buttons = entries.map((t, i) => el('button', {
+    type: 'button', role: 'radio', 'data-index': String(i), class: i === value ? 'on' : '', 'aria-checked': String(i === value),
+    disabled: !!c.readOnly,
+    onclick: () => {
+      value = i;
+      buttons.forEach((b, j) => { b.classList.toggle('on', j === i); b.setAttribute('aria-checked', String(j === i)); });
+      group.dispatchEvent(new Event('change'));
+    },
+  }, t));
+  group.append(...buttons);
+  inputs.set(key, { control: c, node: group, read: () => value });
+  return withInf(c.label ? el('div', { class: 'row' }, el('label', {}, c.label), group) : group, c);
+}
+
+function fieldControl(c, key, inputs, type) {
+  const id = 'ctl-' + key.replace(/\W/g, '_');
+  let input;
+  let read;
+  const cell = [];
+  if (LIST.has(type)) {
+    const entries = (c.entries || []).map(entryText);
+    input = el('select', { id, name: key, 'data-control': key, disabled: !!c.readOnly }, entries.map((t, i) => el('option', { value: String(i) }, t)));
+    const index = typeof c.value === 'number' ? c.value : entries.indexOf(String(c.value ?? ''));
+    input.value = String(index >= 0 ? index : 0);
+    read = () => Number(input.value);
+  } else {
+    const numeric = NUMBER.has(type);
+    const picks = Array.isArray(c.picks) ? id + '-picks' : undefined;
+    input = el('input', {
+      id, name: key, 'data-control': key, type: 'text', inputmode: numeric ? 'decimal' : 'text', autocomplete: 'off',
+      maxlength: c.maxChars || undefined, value: c.value ?? '', list: picks, disabled: !!c.readOnly,
+    });
+    if (picks) cell.push(el('datalist', { id: picks }, c.picks.map((v) => el('option', { value: String(v) }))));
+    read = () => {
+      const text = input.value.trim();
+      return numeric && text !== '' && isFinite(Number(text)) ? Number(text) : input.value;
+    };
+  }
+  inputs.set(key, { control: c, node: input, read });
+  return withInf(el('div', { class: 'row' }, el('label', { for: id }, c.label ?? ''), cell.length ? el('div', {}, input, cell) : input), c);
 }
 
 function controlNode(c, inputs) {
   const key = controlKey(c);
-  const type = String(c.type || (c.entries ? 'list' : typeof c.value === 'boolean' ? 'check' : typeof c.value === 'number' ? 'number' : 'text')).toLowerCase();
-  const id = 'ctl-' + key.replace(/\W/g, '_');
-  const common = { id, 'data-control': key, name: c.field || c.name || key };
-  if (type === 'label' || type === 'static') return el('div', { class: 'note', 'data-control': key }, c.label ?? c.value ?? '');
-  if (type === 'inf' || type === 'help') return el('div', { class: 'buttons' }, infButton(c.text ?? c.help ?? c.inf ?? '', c.label));
-  if (CHECK.has(type)) {
-    const box = el('input', { ...common, type: 'checkbox', checked: !!Number(c.value ?? 0) || c.value === true });
-    inputs.set(key, { control: c, read: () => (typeof c.value === 'boolean' ? box.checked : box.checked ? 1 : 0), node: box });
-    return el('label', { class: 'row check', for: id }, box, c.label ?? '');
-  }
-  let input;
-  if (LIST.has(type)) {
-    const entries = (c.entries || c.items || []).map(entryText);
-    input = el('select', common, entries.map((t, i) => el('option', { value: String(i) }, t)));
-    const index = typeof c.value === 'number' ? c.value : entries.indexOf(String(c.value ?? c.text ?? ''));
-    input.value = String(index >= 0 ? index : c.index ?? 0);
-    inputs.set(key, { control: c, read: () => Number(input.value), node: input });
-  } else {
-    const numeric = NUMBER.has(type);
-    input = el('input', { ...common, type: 'text', inputmode: numeric ? 'decimal' : 'text', autocomplete: 'off',
-      maxlength: c.maxChars || c.maxLength || undefined, value: c.value ?? c.text ?? '' });
-    inputs.set(key, { control: c, read: () => input.value, node: input });
-  }
-  const row = el('div', { class: 'row' }, el('label', { for: id }, c.label ?? ''), input);
-  return (c.help || c.inf) ? [row, el('div', { class: 'buttons' }, infButton(c.help || c.inf, c.label))] : row;
+  const type = typeOf(c);
+  if (type === 'static' || type === 'label') return el('div', { class: 'note', 'data-control': key }, c.label ? `${c.label} ${c.value ?? ''}` : c.value ?? '');
+  if (CHECK.has(type)) return checkControl(c, key, inputs);
+  if (SELECTOR.has(type)) return selectorControl(c, key, inputs);
+  return fieldControl(c, key, inputs, type);
 }
 
 // Renders the description into a node; returns {node, values(), inputs}.
 export function renderForm(form) {
   const inputs = new Map();
+  const groups = Array.isArray(form.groups) ? form.groups : [{ label: '', controls: form.controls || [] }];
   const node = el('div', { class: 'form-body', 'data-form': form.id ?? '' });
-  for (const g of groupsOf(form)) {
+  if (form.help) node.append(el('div', { class: 'buttons' }, infButton(form.help, form.title)));
+  for (const g of groups) {
     const checks = [];
     const rows = [];
-    for (const c of g.controls || g.fields || []) {
-      const n = controlNode(c, inputs);
-      const type = String(c.type || '').toLowerCase();
-      (CHECK.has(type) ? checks : rows).push(n);
-    }
-    const inf = g.inf ?? g.help;
+    for (const c of g.controls || []) (CHECK.has(typeOf(c)) ? checks : rows).push(controlNode(c, inputs));
     node.append(el('fieldset', { class: 'group', 'data-group': g.label || '' },
-      (g.label || inf) ? el('header', {}, el('h3', {}, g.label || ''), inf ? infButton(inf, g.label) : '') : '',
+      (g.label || g.help) ? el('header', {}, el('h3', {}, g.label || ''), g.help ? infButton(g.help, g.label) : '') : '',
       rows, checks.length ? el('div', { class: 'checks' }, checks) : ''));
   }
   const values = () => {
     const out = {};
-    for (const [key, input] of inputs) out[key] = input.read();
+    for (const [key, input] of inputs) if (!input.control.readOnly) out[key] = input.read();
     return out;
   };
   return { node, values, inputs };

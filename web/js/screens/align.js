@@ -3,5 +3,5 @@
 import { mountForm } from '../formscreen.js';
 
 export async function mount(container, ctx) {
-  await mountForm(container, ctx, 'align', { footer: ['Ok', 'Cancel'] });
+  await mountForm(container, ctx, 'align');
 }

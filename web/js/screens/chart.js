@@ -3,16 +3,24 @@
 // or buttons through the 13 levels, rotates it, switches mode and "Chart Type", steps time,
 // identifies what is tapped and follows the telescope while a drive is connected.
 import { el, clear } from '../dom.js';
-import { get, post, query, request } from '../api.js';
-import { state, isNight, rememberPrefs } from '../state.js';
+import { get, post, query, request, showMessages } from '../api.js';
+import { state, rememberPrefs } from '../state.js';
 import { showMessage } from '../modal.js';
 import { objectName, objectLines, hoursText } from '../describe.js';
 
+// The "Night Mode" list as stored: 0 "Off", 1 "Dark", 2 "Medium", 3 "Bright".
+const NIGHT_INDEX = { Off: 0, Dark: 1, Medium: 2, Bright: 3 };
 const FOV_DEG = [180, 150, 120, 90, 60, 45, 30, 20, 10, 5, 2.5, 1, 0.5];
 const TAP_SLOP_PX = 10;         // a finger moving less than this is a tap
-const FINGER_RADIUS_PX = 22;    // identify tolerance around the tap
 const SCOPE_POLL_MS = 2000;
 const ROTATE_STEP_DEG = 45;
+// The "Time Step" choices in seconds of civil time (a lunation is the mean synodic month).
+const DAY_S = 86400;
+const TIME_STEP_SECONDS = {
+  '90 Days': 90 * DAY_S, '60 Days': 60 * DAY_S, '30 Days': 30 * DAY_S, '1 Lunation': Math.round(29.530589 * DAY_S),
+  '14 Days': 14 * DAY_S, '10 Days': 10 * DAY_S, '5 Days': 5 * DAY_S, '2 Days': 2 * DAY_S, '1 Sid. Day': 86164,
+  '1 Day': DAY_S, '6 Hours': 21600, '1 Hour': 3600, '15 mn': 900, '10 mn': 600, '5 mn': 300, '2 mn': 120, '1 mn': 60,
+};
 
 // The view is kept across visits of the chart screen.
 const view = { zoom: 0, mode: 0, rotate: null, ra: null, dec: null, az: null, alt: null };
@@ -23,8 +31,8 @@ export function viewParams(width, height) {
     rotate: view.rotate ?? undefined,
     ra: view.ra ?? undefined, dec: view.dec ?? undefined,
     az: view.ra == null ? view.az ?? undefined : undefined, alt: view.ra == null ? view.alt ?? undefined : undefined,
-    night: isNight() ? 1 : 0,
-    scale: Math.min(3, Math.max(1, Math.round((window.devicePixelRatio || 1) * 100) / 100)),
+    night: NIGHT_INDEX[state.night] ?? 0,
+    scale: Math.min(2, Math.max(1, Math.round(window.devicePixelRatio || 1))),
   };
 }
 
@@ -65,6 +73,8 @@ export async function mount(container) {
       showMessage(err.title || 'No chart', err.detail || '');
       return;
     }
+    const said = r.headers.get('X-Nocturnel-Messages');
+    if (said) { try { showMessages(JSON.parse(said)); } catch { /* not a list */ } }
     const blob = await r.blob();
     const url = URL.createObjectURL(blob);
     const next = new Image();
@@ -91,9 +101,9 @@ export async function mount(container) {
     const fov = FOV_DEG[view.zoom];
     info.append(el('span', {}, `FOV ${fov}°`), el('span', {}, `Zoom ${view.zoom}`));
     if (now.ok) {
-      const local = now.local || now.moment || now.date;
-      if (local) info.append(el('span', { 'data-testid': 'moment' }, typeof local === 'string' ? local : JSON.stringify(local)));
-      const lst = now.lstHours ?? now.lst;
+      const two = (n) => String(n).padStart(2, '0');
+      if (now.year !== undefined) info.append(el('span', { 'data-testid': 'moment' }, `${now.year}-${two(now.month)}-${two(now.day)} ${two(now.hour)}:${two(now.minute)}`));
+      const lst = now.lst;
       if (lst !== undefined) info.append(el('span', {}, 'LST ' + (typeof lst === 'number' ? hoursText(lst) : lst)));
       if (now.site || now.siteName) info.append(el('span', {}, now.site?.name || now.siteName || ''));
     }
@@ -104,8 +114,9 @@ export async function mount(container) {
   // The sky position (and any object) under a chart point, in CSS pixels.
   async function identify(x, y, silent) {
     const { w, h } = size();
-    return get('/api/identify?' + query({ ...viewParams(w, h), x: Math.round(x), y: Math.round(y), radius: FINGER_RADIUS_PX }),
-      { quiet: true, silent });
+    const cx = Math.max(0, Math.min(w - 1, Math.round(x)));
+    const cy = Math.max(0, Math.min(h - 1, Math.round(y)));
+    return get('/api/identify?' + query({ ...viewParams(w, h), x: cx, y: cy }), { quiet: true, silent });
   }
 
   function skyOf(answer) {
@@ -139,10 +150,11 @@ export async function mount(container) {
     closeSheet();
     const r = await identify(x, y, false);
     if (!alive || !r.ok) return;
-    const o = r.object || r.star || (r.found === false ? null : (r.name || r.names ? r : null));
+    const o = r.found === false ? null : r;
     if (!o) return;
-    pick.style.left = (o.x ?? x) + 'px';
-    pick.style.top = (o.y ?? y) + 'px';
+    const scale = viewParams(1, 1).scale;
+    pick.style.left = (typeof o.x === 'number' ? o.x / scale : x) + 'px';
+    pick.style.top = (typeof o.y === 'number' ? o.y / scale : y) + 'px';
     pick.hidden = false;
     const chosen = { name: (o.names && o.names[0]) || o.name || '', ra: o.ra, dec: o.dec };
     state.chosen = chosen;
@@ -176,8 +188,15 @@ export async function mount(container) {
     } else marker.hidden = true;
   }
 
+  // Steps the observing moment by the "Time Step" preference through the date/time dialog.
   async function stepTime(direction) {
-    const r = await post('/api/now/step', { direction });
+    const seconds = TIME_STEP_SECONDS[state.labels.timeStep] ?? 3600;
+    const now = await get('/api/now', { quiet: true });
+    if (!now.ok) return;
+    const t = new Date(Date.UTC(now.year, now.month - 1, now.day, now.hour, now.minute, now.second) + direction * seconds * 1000);
+    const values = { year: t.getUTCFullYear(), month: t.getUTCMonth() + 1, day: t.getUTCDate(),
+      hour: t.getUTCHours(), minute: t.getUTCMinutes(), second: t.getUTCSeconds(), showsUt: false };
+    const r = await post('/api/forms/datetime', { action: 'accept', values });
     if (r.ok) await loadChart();
   }
 
@@ -280,7 +299,7 @@ export async function mount(container) {
     Object.assign(view, { ra: state.centre.ra, dec: state.centre.dec, az: null, alt: null, zoom: Math.max(view.zoom, 6) });
     state.centre = null;
   }
-  const forms = await get('/api/forms/pref3', { quiet: true, silent: true });
+  const forms = await get('/api/forms/prefs3', { quiet: true, silent: true });
   chartTypes = listEntries(forms, 'Chart Type');
   if (!chartTypes.length) chartTypes = ['Equatorial Sky', 'Visible Sky', 'Whole Sky', 'Horizon View', 'Sky Map'];
   await loadChart();

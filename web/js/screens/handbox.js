@@ -51,7 +51,7 @@ export async function mount(container) {
 
   function stop(direction) {
     if (!moving.delete(direction)) return;
-    post('/api/scope/stop', { direction }, { quiet: true });
+    post('/api/scope/stop', { dir: direction }, { quiet: true });
   }
   function stopMoving() { for (const d of [...moving]) stop(d); }
 
@@ -63,7 +63,7 @@ export async function mount(container) {
       if (moving.has(direction)) return;
       moving.add(direction);
       b.classList.add('held');
-      post('/api/scope/move', { direction }, { quiet: true }).then((r) => { if (!r.ok) { moving.delete(direction); b.classList.remove('held'); } });
+      post('/api/scope/move', { dir: direction }, { quiet: true }).then((r) => { if (!r.ok) { moving.delete(direction); b.classList.remove('held'); } });
     });
     const end = () => { b.classList.remove('held'); stop(direction); };
     for (const type of ['pointerup', 'pointercancel', 'lostpointercapture']) b.addEventListener(type, end);

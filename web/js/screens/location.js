@@ -2,5 +2,5 @@
 import { mountForm } from '../formscreen.js';
 
 export async function mount(container, ctx) {
-  await mountForm(container, ctx, 'location', { footer: ['Ok', 'Cancel'] });
+  await mountForm(container, ctx, 'location');
 }
