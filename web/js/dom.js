@@ -8,7 +8,7 @@ export function el(tag, attrs = {}, ...children) {
     else if (key === 'checked') node.checked = !!value;
     else node.setAttribute(key, value === true ? '' : value);
   }
-  for (const child of children.flat()) {
+  for (const child of children.flat(Infinity)) {
     if (child === '' || child === null || child === undefined || child === false) continue;
     node.append(child instanceof Node ? child : document.createTextNode(String(child)));
   }

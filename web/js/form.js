@@ -18,7 +18,8 @@ function infButton(text, caption) {
   return el('button', { class: 'inf', type: 'button', 'data-inf': caption || '', onclick: () => showMessage(caption || '', text, 'Information') }, 'Inf');
 }
 
-const withInf = (row, c) => (c.help ? [row, el('div', { class: 'buttons' }, infButton(c.help, c.label))] : row);
+// A control's own help text: an "Inf" button at the end of its row.
+const withInf = (row, c) => { if (c.help) { row.classList.add('has-inf'); row.append(infButton(c.help, c.label)); } return row; };
 
 function typeOf(c) {
   if (c.type) return String(c.type).toLowerCase();

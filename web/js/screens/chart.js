@@ -46,7 +46,7 @@ function levelForFov(fov) {
 
 export async function mount(container) {
   const root = el('div', { class: 'chart', 'data-testid': 'chart' });
-  const img = el('img', { class: 'sky', alt: 'Sky chart', draggable: 'false' });
+  const img = el('img', { class: 'sky', alt: '', draggable: 'false', hidden: true });   // shown once it holds a chart
   const marker = el('div', { class: 'marker', hidden: true });
   const pick = el('div', { class: 'pick', hidden: true });
   const info = el('div', { class: 'info', 'data-testid': 'infobar' });
@@ -82,16 +82,17 @@ export async function mount(container) {
     try { await next.decode(); } catch { /* shown anyway */ }
     if (!alive || turn !== loadTurn) { URL.revokeObjectURL(url); return; }
     img.src = url;
+    img.hidden = false;
     img.style.width = w + 'px';
     img.style.height = h + 'px';
     img.style.transform = '';
     if (objectUrl) URL.revokeObjectURL(objectUrl);
     objectUrl = url;
     delete root.dataset.loading;
+    placeMarker();
+    await updateInfo();
     root.dataset.zoom = String(view.zoom);
     root.dataset.loaded = String(Number(root.dataset.loaded || 0) + 1);
-    updateInfo();
-    placeMarker();
   }
 
   async function updateInfo() {
@@ -162,8 +163,8 @@ export async function mount(container) {
       el('h3', { class: 'name' }, objectName(o)),
       objectLines(o),
       el('div', { class: 'buttons' },
-        el('button', { class: 'primary', onclick: () => post('/api/scope/goto', { ra: o.ra, dec: o.dec, name: chosen.name }) }, 'GoTo'),
-        el('button', { onclick: () => post('/api/scope/sync', { ra: o.ra, dec: o.dec, name: chosen.name }) }, 'Sync'),
+        el('button', { class: 'primary', onclick: () => post('/api/scope/goto', { ra: o.ra, dec: o.dec }) }, 'GoTo'),
+        el('button', { onclick: () => post('/api/scope/sync', { ra: o.ra, dec: o.dec }) }, 'Sync'),
         el('button', { onclick: () => { closeSheet(); centreOn(o.ra, o.dec); } }, 'Centre'),
         el('button', { 'aria-label': 'Close', onclick: closeSheet }, '✕')));
     root.append(sheet);
@@ -224,8 +225,8 @@ export async function mount(container) {
     el('button', { 'aria-label': 'Projection mode', 'data-testid': 'mode', onclick: () => { view.mode = view.mode ? 0 : 1; loadChart(); } }, '◐'),
     el('button', { 'aria-label': 'Chart Type', 'data-testid': 'chart-type-button', onclick: chooseChartType }, '☰'));
   const steps = el('div', { class: 'steps' },
-    el('button', { 'aria-label': 'Time forward', 'data-testid': 'time-forward', onclick: () => stepTime(1) }, '⏩'),
-    el('button', { 'aria-label': 'Time back', 'data-testid': 'time-back', onclick: () => stepTime(-1) }, '⏪'),
+    el('button', { 'aria-label': 'Time forward', 'data-testid': 'time-forward', onclick: () => stepTime(1) }, '▶'),
+    el('button', { 'aria-label': 'Time back', 'data-testid': 'time-back', onclick: () => stepTime(-1) }, '◀'),
     el('button', { 'aria-label': 'Whole sky', 'data-testid': 'home', onclick: () => { Object.assign(view, { zoom: 0, ra: null, dec: null, az: null, alt: null, rotate: null }); loadChart(); } }, '⌂'));
 
   root.append(img, marker, pick, tools, steps, info);
@@ -303,13 +304,22 @@ export async function mount(container) {
   chartTypes = listEntries(forms, 'Chart Type');
   if (!chartTypes.length) chartTypes = ['Equatorial Sky', 'Visible Sky', 'Whole Sky', 'Horizon View', 'Sky Map'];
   await loadChart();
-  const followScope = () => { if (state.scopeConnected) pollScope(); else if (lastScope) { lastScope = null; placeMarker(); } };
-  scopeTimer = setInterval(followScope, SCOPE_POLL_MS);
+  // The marker follows the mount while a drive is connected, one read at a time; it stops when
+  // the engine's answer gives no place on this chart.
+  let placeable = true;
+  const followScope = async () => {
+    if (!alive) return;
+    if (state.scopeConnected && placeable) {
+      await pollScope();
+      if (lastScope && typeof (lastScope.screen || lastScope).x !== 'number') placeable = false;
+    } else if (lastScope) { lastScope = null; placeMarker(); }
+    if (alive) scopeTimer = setTimeout(followScope, SCOPE_POLL_MS);
+  };
   followScope();
 
   return () => {
     alive = false;
-    clearInterval(scopeTimer);
+    clearTimeout(scopeTimer);
     clearTimeout(resizeTimer);
     window.removeEventListener('resize', onResize);
     document.removeEventListener('nightmode', onNight);

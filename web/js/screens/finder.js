@@ -6,7 +6,7 @@ import { state } from '../state.js';
 import { objectName, objectLines } from '../describe.js';
 
 export async function mount(container, ctx) {
-  const input = el('input', { type: 'search', name: 'name', placeholder: 'M 31, NGC 7000, HIP 91262, Vega', enterkeyhint: 'search', autocomplete: 'off', value: ctx.arg || '' });
+  const input = el('input', { type: 'search', name: 'name', placeholder: 'M 31, NGC 7000, HIP 91262', enterkeyhint: 'search', autocomplete: 'off', value: ctx.arg || '' });
   const result = el('div', { class: 'results', 'data-testid': 'found' });
 
   async function find() {
@@ -22,8 +22,8 @@ export async function mount(container, ctx) {
       el('h3', { class: 'name' }, objectName(o) || name),
       objectLines(o),
       el('div', { class: 'buttons' },
-        el('button', { class: 'primary', onclick: () => post('/api/scope/goto', chosen) }, 'GoTo'),
-        el('button', { onclick: () => post('/api/scope/sync', chosen) }, 'Sync'),
+        el('button', { class: 'primary', onclick: () => post('/api/scope/goto', { ra: chosen.ra, dec: chosen.dec }) }, 'GoTo'),
+        el('button', { onclick: () => post('/api/scope/sync', { ra: chosen.ra, dec: chosen.dec }) }, 'Sync'),
         el('button', { onclick: () => { state.centre = chosen; location.hash = '#/chart'; } }, 'Centre'))));
   }
 

@@ -7,12 +7,12 @@ import { state } from '../state.js';
 import { objectName, hoursText, degreesText } from '../describe.js';
 
 const RATES = ['Slew', 'Find', 'Centre', 'Guide'];   // 0 fastest .. 3 slowest
-const POLL_MS = 1000;
+const POLL_MS = 3000;
 
 export async function mount(container) {
   const readout = el('div', { class: 'readout', 'data-testid': 'position' }, '—');
   const chosenLine = el('div', { class: 'note', 'data-testid': 'chosen' });
-  const nameInput = el('input', { type: 'search', name: 'target', placeholder: 'Vega, M 31, NGC 7000', autocomplete: 'off', enterkeyhint: 'search' });
+  const nameInput = el('input', { type: 'search', name: 'target', placeholder: 'M 31, NGC 7000, HIP 91262', autocomplete: 'off', enterkeyhint: 'search' });
   const status = el('div', { class: 'note', 'data-testid': 'scope-status' }, state.scopeConnected ? 'Connected' : 'Not connected');
   let rate = state.scopeRate ?? 0;
   let alive = true;
@@ -49,9 +49,13 @@ export async function mount(container) {
     },
   }, label));
 
+  // A stop goes out after its move has been answered, so it can never overtake it.
+  const moveSent = new Map();
   function stop(direction) {
     if (!moving.delete(direction)) return;
-    post('/api/scope/stop', { dir: direction }, { quiet: true });
+    const sent = moveSent.get(direction) || Promise.resolve();
+    moveSent.delete(direction);
+    sent.then(() => post('/api/scope/stop', { dir: direction }, { quiet: true }));
   }
   function stopMoving() { for (const d of [...moving]) stop(d); }
 
@@ -63,7 +67,9 @@ export async function mount(container) {
       if (moving.has(direction)) return;
       moving.add(direction);
       b.classList.add('held');
-      post('/api/scope/move', { dir: direction }, { quiet: true }).then((r) => { if (!r.ok) { moving.delete(direction); b.classList.remove('held'); } });
+      moveSent.set(direction, post('/api/scope/move', { dir: direction }, { quiet: true }).then((r) => {
+        if (!r.ok) { moving.delete(direction); b.classList.remove('held'); }
+      }));
     });
     const end = () => { b.classList.remove('held'); stop(direction); };
     for (const type of ['pointerup', 'pointercancel', 'lostpointercapture']) b.addEventListener(type, end);
@@ -81,7 +87,8 @@ export async function mount(container) {
     showChosen();
   }
 
-  const target = () => state.chosen && { ra: state.chosen.ra, dec: state.chosen.dec, name: state.chosen.name };
+  // The place (J2000) is sent, not the name: the engine goes where the page showed.
+  const target = () => state.chosen && { ra: state.chosen.ra, dec: state.chosen.dec };
 
   container.append(el('div', { class: 'form handbox' },
     el('div', { class: 'group' },
@@ -110,15 +117,24 @@ export async function mount(container) {
   const onHidden = () => { if (document.hidden) stopMoving(); };
   window.addEventListener('blur', onBlur);
   document.addEventListener('visibilitychange', onHidden);
-  const timer = setInterval(async () => {
-    if (!alive || !state.scopeConnected) return;
-    showPosition(await get('/api/scope/position', { quiet: true, silent: true }));
-  }, POLL_MS);
+  // The read-out follows the mount: one read at a time, the next one a moment after it ends.
+  let timer = null;
+  const poll = async () => {
+    if (!alive) return;
+    if (state.scopeConnected && !moving.size) {
+      const r = await get('/api/scope/position', { quiet: true, silent: true });
+      if (!alive) return;
+      if (r.ok && r.connected === false) { state.scopeConnected = false; status.textContent = 'Not connected'; }
+      showPosition(r);
+    }
+    timer = setTimeout(poll, POLL_MS);
+  };
+  timer = setTimeout(poll, POLL_MS);
 
   return () => {
     alive = false;
     stopMoving();
-    clearInterval(timer);
+    clearTimeout(timer);
     window.removeEventListener('blur', onBlur);
     document.removeEventListener('visibilitychange', onHidden);
   };
