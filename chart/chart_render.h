@@ -43,6 +43,7 @@ struct ChartRequest {
     ObservingMoment moment;               // local civil time at the site of prefs()
     bool switchCatalogForZoom = true;     // open the star catalogue the zoom level wants
     bool precess = true;                  // J2000 places to the equator of date
+    int resolutionFactor = 1;             // device pixels per CSS pixel (1 or 2): sizes of star images, lines and text
     StopRequested stopRequested;          // polled while loading field stars
     std::function<void(cairo_surface_t*)> present;  // shown the "Loading sky..." frame, then the chart
 };

@@ -10,6 +10,8 @@
 #include "settings/preference_fields.h"
 #include "settings/preferences.h"
 #include "settings/text_encoding.h"
+#include "shell/api_json.h"
+#include "shell/api_prefs.h"
 #include "shell/app.h"
 #include "shell/commands.h"
 
@@ -20,13 +22,6 @@ struct SetArguments {
     std::string name;
     std::string value;
 };
-
-nlohmann::json fieldJson(const Preferences& p, const PreferenceField& f) {
-    if (f.type == FieldType::Text) return toUtf8(preferenceText(p, f));
-    const double v = preferenceNumber(p, f);
-    if (f.type == FieldType::Real) return v;
-    return static_cast<long long>(v);
-}
 
 void printField(const Preferences& p, const PreferenceField& f) {
     std::string value = toUtf8(preferenceText(p, f));
@@ -49,14 +44,7 @@ void runShow() {
     }
     const Preferences& p = prefs();
     if (globalOptions().json) {
-        nlohmann::json out = nlohmann::json::object();
-        nlohmann::json labels = nlohmann::json::object();
-        for (const auto& f : preferenceFields()) {
-            out[std::string(f.name)] = fieldJson(p, f);
-            if (f.type == FieldType::Index) labels[std::string(f.name)] = toUtf8(preferenceText(p, f));
-        }
-        out["labels"] = labels;
-        std::cout << out.dump(2) << "\n";
+        std::cout << prefsJson(p).dump(2) << "\n";
         return;
     }
     for (const auto& f : preferenceFields()) printField(p, f);
@@ -67,28 +55,8 @@ void runSet(const SetArguments& args) {
         setExitCode(1);
         return;
     }
-    std::string value = args.value;
-    // Latitude and longitude may be typed in any angle text ("48:06:00", "-1°30'00").
-    if (args.name == "latitudeDeg" || args.name == "longitudeDeg") {
-        if (const auto angle = parseAngleText(value)) {
-            char buf[40];
-            std::snprintf(buf, sizeof buf, "%.9g", *angle);
-            value = buf;
-        }
-    }
-    // Texts are kept in Latin-1; the terminal types UTF-8.
-    const PreferenceField* field = findPreferenceField(args.name);
-    if (field && field->type == FieldType::Text) {
-        const auto latin1 = utf8ToLatin1(value);
-        if (!latin1) {
-            showMessage("Invalid value for " + args.name, "Only Latin-1 characters can be stored.");
-            setExitCode(1);
-            return;
-        }
-        value = *latin1;
-    }
     Preferences edited = prefs();
-    if (!setPreferenceField(edited, args.name, value)) {
+    if (!setPreferenceFromUserText(edited, args.name, args.value)) {
         setExitCode(1);
         return;
     }
@@ -96,7 +64,7 @@ void runSet(const SetArguments& args) {
     if (!savePrefsForCommand()) return;
     const PreferenceField* f = findPreferenceField(args.name);
     if (globalOptions().json) {
-        std::cout << nlohmann::json{{std::string(f->name), fieldJson(prefs(), *f)}}.dump(2) << "\n";
+        std::cout << nlohmann::json{{std::string(f->name), preferenceFieldJson(prefs(), *f)}}.dump(2) << "\n";
         return;
     }
     printField(prefs(), *f);

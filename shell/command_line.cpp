@@ -27,6 +27,7 @@ void registerAllCommands(CLI::App& app) {
     registerChartCommand(app);
     registerScopeCommand(app);
     registerAlignCommand(app);
+    registerServeCommand(app);
 }
 
 }  // namespace nocturnel

@@ -15,5 +15,6 @@ void registerFindCommand(CLI::App& app);     // nocturnel find
 void registerChartCommand(CLI::App& app);    // nocturnel chart
 void registerScopeCommand(CLI::App& app);    // nocturnel scope
 void registerAlignCommand(CLI::App& app);    // nocturnel align
+void registerServeCommand(CLI::App& app);    // nocturnel serve
 
 }  // namespace nocturnel
