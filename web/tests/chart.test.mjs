@@ -96,6 +96,22 @@ test('a tap on Vega names it', async () => {
   for (const label of ['GoTo', 'Sync', 'Centre']) assert.equal(await sheet.locator('button', { hasText: label }).count(), 1);
 });
 
+test('time steps forward and back by the "Time Step" preference', async () => {
+  const moment = () => page.locator('[data-testid=moment]').textContent();
+  assert.equal(await moment(), '2024-07-15 23:30');
+  let n = await loads();
+  await page.locator('[data-testid=time-forward]').click();
+  await waitForNewChart(n);
+  assert.equal(await moment(), '2024-07-15 23:31', 'a fresh record steps by "1 mn"');
+  await fetch(server.url + '/api/prefs', { method: 'PUT', body: JSON.stringify({ timeStep: '1 Day' }) });
+  await page.reload();
+  await waitForNewChart(0);
+  n = await loads();
+  await page.locator('[data-testid=time-back]').click();
+  await waitForNewChart(n);
+  assert.equal(await moment(), '2024-07-14 23:31');
+});
+
 test('landscape phone: the chart follows the new size', async () => {
   const n = await loads();
   await page.setViewportSize({ width: 844, height: 390 });

@@ -2,12 +2,12 @@
 // release (and whenever the finger or the page is lost), stop all, the position read-out and
 // GoTo/Sync of the chosen object.
 import { el } from '../dom.js';
-import { get, post, query } from '../api.js';
+import { get, post as send, query } from '../api.js';
 import { state } from '../state.js';
 import { objectName, hoursText, degreesText } from '../describe.js';
 
 const RATES = ['Slew', 'Find', 'Centre', 'Guide'];   // 0 fastest .. 3 slowest
-const POLL_MS = 3000;
+const POLL_MS = 3000;   // quiet time before the read-out asks the mount again
 
 export async function mount(container) {
   const readout = el('div', { class: 'readout', 'data-testid': 'position' }, '—');
@@ -15,6 +15,14 @@ export async function mount(container) {
   const nameInput = el('input', { type: 'search', name: 'target', placeholder: 'M 31, NGC 7000, HIP 91262', autocomplete: 'off', enterkeyhint: 'search' });
   const status = el('div', { class: 'note', 'data-testid': 'scope-status' }, state.scopeConnected ? 'Connected' : 'Not connected');
   let rate = state.scopeRate ?? 0;
+  // Every command marks the hand box busy: the position read-out waits for a quiet moment, so
+  // that it never delays a command.
+  let lastCommand = 0;
+  let commandsInFlight = 0;
+  const post = async (...args) => {
+    commandsInFlight++;
+    try { return await send(...args); } finally { commandsInFlight--; lastCommand = Date.now(); }
+  };
   let alive = true;
   const moving = new Set();
 
@@ -121,13 +129,15 @@ export async function mount(container) {
   let timer = null;
   const poll = async () => {
     if (!alive) return;
-    if (state.scopeConnected && !moving.size) {
+    const quiet = !moving.size && !commandsInFlight && Date.now() - lastCommand >= POLL_MS;
+    if (state.scopeConnected && quiet) {
       const r = await get('/api/scope/position', { quiet: true, silent: true });
       if (!alive) return;
       if (r.ok && r.connected === false) { state.scopeConnected = false; status.textContent = 'Not connected'; }
       showPosition(r);
+      lastCommand = Date.now();
     }
-    timer = setTimeout(poll, POLL_MS);
+    timer = setTimeout(poll, 500);
   };
   timer = setTimeout(poll, POLL_MS);
 
