@@ -88,3 +88,24 @@ test('an engine failure is shown as a message box of two lines', async () => {
   assert.match(second.detail, /NGC 224, M 31, HIP 91262/);
   await second.close();
 });
+
+test('the engine\'s question is asked in the page and its answer goes back', async () => {
+  // A saved alignment makes the first telescope request of a run offer to restore it.
+  const stars = [
+    { name: 'Vega', time: '21:00:00', ra: '18:36:56', dec: '38:47:01', hor: '19:30:00', elv: '38:47:01' },
+    { name: 'Arcturus', time: '21:10:00', ra: '14:15:40', dec: '19:10:57', hor: '15:09:00', elv: '19:10:57' },
+  ];
+  const saved = await fetch(server.url + '/api/align', { method: 'POST', body: JSON.stringify({ stars, toTime: '21:00:00' }) });
+  assert.equal(saved.status, 200);
+  await server.restart();
+  await page.goto(server.url + '/#/scope');
+  await page.locator('[data-testid=connect]').click();
+  const question = page.locator('.modal.question');
+  await question.waitFor();
+  assert.match(await question.textContent(), /Would you want to restore your last alignment\?/);
+  const answered = page.waitForRequest((r) => r.url().endsWith('/api/answer'));
+  await question.locator('button', { hasText: 'No' }).click();
+  assert.deepEqual(JSON.parse((await answered).postData()).yes, false);
+  const boxes = await drainMessages(page);
+  assert.match(boxes[0]?.title || '', /No communication port is selected/);
+});

@@ -30,3 +30,25 @@ test('two tabs draw charts and find objects at the same time', async () => {
   assert.match(na, /M\s*31|NGC\s*224/);
   assert.match(nb, /Vega/);
 });
+
+test('installable: a manifest with icons, and the page opens offline once loaded', async () => {
+  const page = await browser.context.newPage();
+  await page.goto(server.url + '/');
+  const manifest = await (await fetch(server.url + '/manifest.webmanifest')).json();
+  assert.equal(manifest.display, 'standalone');
+  for (const icon of manifest.icons) {
+    const r = await fetch(server.url + '/' + icon.src);
+    assert.equal(r.status, 200, icon.src);
+  }
+  await page.evaluate(() => navigator.serviceWorker.ready);
+  await page.reload();   // now under the worker's control
+  await page.evaluate(() => navigator.serviceWorker.ready);
+  await browser.context.setOffline(true);
+  try {
+    await page.reload();
+    const menus = await page.locator('nav.menus section h2').allTextContents();
+    assert.deepEqual(menus, ['Tools', 'Assistants', 'Devices', 'Settings']);
+  } finally {
+    await browser.context.setOffline(false);
+  }
+});
