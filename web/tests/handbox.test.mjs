@@ -43,8 +43,8 @@ test('Preference 1/6 chooses the LX200 drive on the simulator\'s device', async 
 test('connect reads the mount and shows its position', async () => {
   await page.goto(server.url + '/#/scope');
   await page.locator('[data-testid=connect]').click();
-  await page.locator('[data-testid=scope-status]', { hasText: 'Connected' }).waitFor();
-  await page.waitForFunction(() => document.querySelector('[data-testid=position]').dataset.ra !== undefined);
+  await page.locator('[data-testid=scope-status]', { hasText: 'Connected' }).waitFor({ timeout: 20000 });
+  await page.waitForFunction(() => document.querySelector('[data-testid=position]').dataset.ra !== undefined, null, { timeout: 20000 });
   const ra = Number(await page.locator('[data-testid=position]').getAttribute('data-ra'));
   assert.ok(Math.abs(ra - 5.5) < 0.1, `the simulator starts at 5.5 h, read ${ra}`);
 });
@@ -87,7 +87,9 @@ test('a rate and press-and-hold reach the mount, release stops it', async () => 
 test('GoTo Vega ends with the mount at Vega', async () => {
   await page.locator('input[name=target]').fill('HIP 91262');
   await page.locator('input[name=target]').press('Enter');
-  await page.locator('[data-testid=chosen]', { hasText: 'Vega' }).waitFor();
+  await page.locator('[data-testid=chosen]', { hasText: 'Vega' }).waitFor({ timeout: 20000 }).catch(async (e) => {
+    throw new Error(`${e.message}\nThe page showed:\n${await page.locator('body').innerText()}`);
+  });
   const went = page.waitForResponse((r) => r.url().endsWith('/api/scope/goto'), { timeout: 20000 });
   await page.locator('[data-testid=goto]').click();
   assert.equal((await went).status(), 200);

@@ -19,10 +19,11 @@ export async function mount(container) {
   // that it never delays a command.
   let lastCommand = 0;
   let commandsInFlight = 0;
-  const post = async (...args) => {
+  const command = async (request) => {
     commandsInFlight++;
-    try { return await send(...args); } finally { commandsInFlight--; lastCommand = Date.now(); }
+    try { return await request(); } finally { commandsInFlight--; lastCommand = Date.now(); }
   };
+  const post = (...args) => command(() => send(...args));
   let alive = true;
   const moving = new Set();
 
@@ -88,7 +89,7 @@ export async function mount(container) {
   async function findTarget() {
     const name = nameInput.value.trim();
     if (!name) return;
-    const r = await get('/api/find?' + query({ name }));
+    const r = await command(() => get('/api/find?' + query({ name })));
     if (!r.ok) return;
     const o = r.object || r;
     state.chosen = { name: objectName(o) || name, ra: o.ra, dec: o.dec };
