@@ -49,7 +49,7 @@ export function cli(home, ...args) {
   return r.stdout;
 }
 
-async function waitForServer(url, child, ms = 15000) {
+async function waitForServer(url, child, ms = 60000) {
   const end = Date.now() + ms;
   while (Date.now() < end) {
     if (child.exitCode !== null) throw new Error(`nocturnel serve exited with ${child.exitCode}`);
@@ -128,7 +128,7 @@ export async function launchBrowser({ viewport = PHONE, deviceScaleFactor = 2 } 
       '--disable-background-networking', '--disable-component-update', '--disable-sync'],
     viewport, deviceScaleFactor, hasTouch: true, isMobile: true,
   });
-  context.setDefaultTimeout(10000);
+  context.setDefaultTimeout(20000);   // generous: the sanitizer build draws charts slowly
   const close = async () => { await context.close(); rmSync(profile, { recursive: true, force: true }); };
   return { context, close };
 }
