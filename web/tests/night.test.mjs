@@ -28,7 +28,7 @@ function nonRedStyles() {
       for (const prop of ['color', 'background-color', 'border-top-color']) {
         const [r, g, b, a = 1] = parse(s[prop]);
         if (a === 0 || (prop === 'border-top-color' && s.borderTopWidth === '0px')) continue;
-        if (g > r || b > r || (r > 200 && g > 200 && b > 200))
+        if (g > r * 0.45 + 6 || b > r * 0.45 + 6)
           bad.push(`${node.tagName.toLowerCase()}.${node.className} ${prop} ${s[prop]}`);
       }
     }
@@ -51,8 +51,9 @@ async function nonRedPixels() {
     let count = 0; let sample = '';
     for (let i = 0; i < px.length; i += 4) {
       const [r, gr, b] = [px[i], px[i + 1], px[i + 2]];
-      // Anti-aliased edges may mix a hair of green or blue into red; a white or blue pixel may not.
-      if (gr > r + 8 || b > r + 8 || (gr > 160 && b > 160)) { count++; if (!sample) sample = `${r},${gr},${b} at ${(i / 4) % c.width},${Math.floor(i / 4 / c.width)}`; }
+      // Red, dimmed or mixed with black: green and blue stay well below red. Grey, white or
+      // blue are not night colours.
+      if (gr > r * 0.45 + 6 || b > r * 0.45 + 6) { count++; if (!sample) sample = `${r},${gr},${b} at ${(i / 4) % c.width},${Math.floor(i / 4 / c.width)}`; }
     }
     return { count, total: px.length / 4, sample };
   }, png);
