@@ -19,27 +19,33 @@ function applyNight(label) {
   document.dispatchEvent(new CustomEvent('nightmode', { detail: mode }));
 }
 
-export function rememberPrefs(data) {
+// When the user last chose a night mode: an answer asked for before that must not undo it.
+let nightChosenAt = 0;
+
+export function rememberPrefs(data, askedAt = Date.now()) {
   if (!data || typeof data !== 'object') return;
   const values = data.prefs || data;
   const labels = data.labels || values.labels || {};
   state.prefs = { ...state.prefs, ...values };
   state.labels = { ...state.labels, ...labels };
-  if (labels.nightMode) applyNight(labels.nightMode);
+  if (labels.nightMode && askedAt >= nightChosenAt) applyNight(labels.nightMode);
 }
 
 export async function loadPrefs() {
+  const askedAt = Date.now();
   const r = await get('/api/prefs', { quiet: true, silent: true });
-  if (r.ok) rememberPrefs(r);
+  if (r.ok) rememberPrefs(r, askedAt);
   return r;
 }
 
 // Night mode is the "Night Mode" preference; the page applies it at once and saves it.
 export async function setNightMode(label, save) {
+  nightChosenAt = Date.now();
   applyNight(label);
   if (!save) return;
+  const askedAt = Date.now();
   const r = await put('/api/prefs', { nightMode: label }, { quiet: true });
-  if (r.ok) rememberPrefs(r);
+  if (r.ok) rememberPrefs(r, askedAt);
 }
 
 export const isNight = () => state.night !== 'Off';

@@ -14,6 +14,7 @@ before(async () => {
   browser = await launchBrowser({ deviceScaleFactor: 1 });
   page = await browser.context.newPage();
   await page.goto(server.url + '/');
+  await page.locator('nav.menus').waitFor();
 });
 after(async () => { await browser?.close(); await server?.cleanup(); });
 
