@@ -173,7 +173,7 @@ void registerChartRoutes(httplib::Server& s, Engine& engine) {
         if (!ok) return replyFromJob(res, false, {}, messages);
         res.status = 200;
         res.set_header("Cache-Control", "no-store");
-        if (!messages.empty()) res.set_header("X-Nocturnel-Messages", messagesJson(messages).dump());
+        if (!messages.empty()) res.set_header("X-Nocturnel-Messages", messagesJson(messages).dump(-1, ' ', true));  // ASCII only
         res.set_content(reinterpret_cast<const char*>(png.data()), png.size(), "image/png");
     });
     s.Get("/api/identify", [&engine, cache](const Request& req, Response& res) {

@@ -396,10 +396,7 @@ TEST_F(Server, GotoVegaMovesTheSimulatedLx200) {
         ASSERT_TRUE(lost);
         EXPECT_EQ(json(lost).at("connected"), false);
         EXPECT_EQ(json(client.Get("/api/now")).at("year"), 2026);
-        server.engine().run([] {
-            setHoldOpen(0);
-            serialClose();
-        });
+        EXPECT_EQ(client.Post("/api/scope/disconnect", "", "application/json")->status, 200);
     }
     ::unsetenv("NOCTURNEL_SERIAL_SETTLE_MS");
 }
