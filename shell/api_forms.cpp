@@ -49,7 +49,7 @@ bool latin1Value(const nlohmann::json& values, const char* name, std::size_t max
     std::string text = it->is_string() ? it->get<std::string>() : it->is_number() ? it->dump() : std::string("\x01");
     const auto latin1 = utf8ToLatin1(text);
     if (!latin1 || latin1->size() > maxChars || text == "\x01") {
-        showMessage(std::string("Invalid value for ") + name, "At most " + std::to_string(maxChars) + " Latin-1 characters.");
+        showMessage(invalidValueTitle(name), "At most " + std::to_string(maxChars) + " Latin-1 characters.");
         return false;
     }
     out = *latin1;
@@ -62,7 +62,7 @@ bool submitPreferencePage(const std::string& id, const nlohmann::json& body) {
     const std::vector<std::string> fields = preferencePageFields(id);
     for (const auto& [name, value] : values.items()) {
         if (std::find(fields.begin(), fields.end(), name) == fields.end()) {
-            showMessage("Invalid value for " + name, "This field is not on " + id + ".");
+            showMessage(invalidValueTitle(name), "This field is not on " + id + ".");
             return false;
         }
     }

@@ -1,4 +1,5 @@
 #include "shell/api_prefs.h"
+#include "shell/http_params.h"
 
 #include <cstdio>
 
@@ -23,7 +24,7 @@ bool setPreferenceFromUserText(Preferences& p, std::string_view name, std::strin
     if (field && field->type == FieldType::Text) {
         const auto latin1 = utf8ToLatin1(value);
         if (!latin1) {
-            showMessage("Invalid value for " + std::string(name), "Only Latin-1 characters can be stored.");
+            showMessage(invalidValueTitle(name), "Only Latin-1 characters can be stored.");
             return false;
         }
         value = *latin1;
@@ -40,14 +41,14 @@ bool setPreferencesFromJson(Preferences& p, const nlohmann::json& fields) {
     for (const auto& [name, value] : fields.items()) {
         std::string text;
         if (value.is_string()) text = value.get<std::string>();
-        else if (value.is_boolean()) text = value.get<bool>() ? "1" : "0";
+        else if (value.is_boolean()) text.assign(1, value.get<bool>() ? '1' : '0');
         else if (value.is_number_integer() || value.is_number_unsigned()) text = value.dump();
         else if (value.is_number_float()) {
             char buf[40];
             std::snprintf(buf, sizeof buf, "%.17g", value.get<double>());
             text = buf;
         } else {
-            showMessage("Invalid value for " + name, "Give a number, a text or true/false.");
+            showMessage(invalidValueTitle(name), "Give a number, a text or true/false.");
             return false;
         }
         if (!setPreferenceFromUserText(edited, name, text)) return false;

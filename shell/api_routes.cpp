@@ -2,13 +2,18 @@
 
 #include <httplib.h>
 
+#include <cmath>
 #include <memory>
 #include <string>
 
+#include "catalog/object_finder.h"
 #include "chart/png_writer.h"
+#include "core/angle_text.h"
 #include "core/time.h"
+#include "settings/machine_clock.h"
 #include "settings/preferences.h"
 #include "settings/preferences_file.h"
+#include "settings/time_steps.h"
 #include "shell/api_chart.h"
 #include "shell/api_forms.h"
 #include "shell/api_json.h"
@@ -19,9 +24,6 @@
 #include "shell/http_readers.h"
 #include "shell/http_reply.h"
 
-#include "catalog/object_finder.h"
-#include "core/angle_text.h"
-
 namespace nocturnel {
 namespace {
 
@@ -30,6 +32,9 @@ using httplib::Response;
 
 // The last chart drawn, kept on the engine thread so that a tap on it is identified without
 // drawing it again.
+constexpr int kTimeUpdateAutomatic = 0;  // "Time Update" stored indexes
+constexpr int kTimeUpdateManual = 1;
+
 // A finger is about 24 CSS pixels across.
 constexpr int kIdentifyTolerancePx = 24;
 
@@ -88,6 +93,46 @@ void registerStateRoutes(httplib::Server& s, Engine& engine) {
             return true;
         });
     });
+    // Time stepping of the chart: the moment moves by "Time Step" and stays there (Time Update
+    // becomes "Manual" for the session); /api/time/now goes back to the running clock.
+    s.Post("/api/time/step", [&engine](const Request& req, Response& res) {
+        const auto body = readJsonBody(req, res);
+        if (!body) return;
+        JsonReader r(*body);
+        std::optional<int> steps;
+        r.whole("steps", -10000, 10000, steps);
+        if (r.ok() && !steps) r.refuse("Invalid value for steps", "Give steps, for example 1 or -1.");
+        if (!r.ok()) return replyError(res, 400, r.error());
+        answerJob(engine, res, [&](nlohmann::json& out) {
+            // Whole seconds from the moment's midnight; the date from the day count (taken at
+            // 06:00 so that no rounding moves it to a neighbouring day).
+            const ObservingMoment& m = prefs().moment;
+            const long long seconds = m.hour * 3600LL + m.minute * 60LL + m.second +
+                                      std::llround(*steps * timeStepSeconds(prefs().timeStep));
+            const long long days = seconds >= 0 ? seconds / 86400 : -((-seconds + 86399) / 86400);
+            const long long inDay = seconds - days * 86400;
+            CalendarDate d = calendarFromJulian(julianDayAtMidnight(m.year, m.month, m.day) + static_cast<double>(days) + 0.25);
+            d.hour = static_cast<int>(inDay / 3600);
+            d.minute = static_cast<int>(inDay / 60 % 60);
+            d.second = static_cast<int>(inDay % 60);
+            if (d.year < 1 || d.year > 9999) {
+                showMessage("Invalid JD date", "The time step leaves the calendar.");
+                return false;
+            }
+            prefs().moment = ObservingMoment{d.year, d.month, d.day, d.hour, d.minute, d.second};
+            prefs().timeUpdate = kTimeUpdateManual;
+            out = nowJson(prefs());
+            return true;
+        });
+    });
+    s.Post("/api/time/now", [&engine](const Request&, Response& res) {
+        answerJob(engine, res, [&](nlohmann::json& out) {
+            prefs().timeUpdate = kTimeUpdateAutomatic;
+            prefs().moment = localMomentFromClock(prefs().utcOffsetMin);
+            out = nowJson(prefs());
+            return true;
+        });
+    });
     s.Post("/api/stop", [&engine](const Request&, Response& res) {
         engine.requestStop();
         replyJson(res, {{"ok", true}});
@@ -128,7 +173,7 @@ void registerChartRoutes(httplib::Server& s, Engine& engine) {
         if (!ok) return replyFromJob(res, false, {}, messages);
         res.status = 200;
         res.set_header("Cache-Control", "no-store");
-        if (!messages.empty()) res.set_header("X-Nocturnel-Messages", messagesJson(messages).dump());
+        if (!messages.empty()) res.set_header("X-Nocturnel-Messages", messagesJson(messages).dump(-1, ' ', true));  // ASCII only
         res.set_content(reinterpret_cast<const char*>(png.data()), png.size(), "image/png");
     });
     s.Get("/api/identify", [&engine, cache](const Request& req, Response& res) {

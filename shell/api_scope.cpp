@@ -146,11 +146,27 @@ void registerHandBox(httplib::Server& s, Engine& engine, const std::shared_ptr<S
             }
             prepareScope(*session);
             session->connected = false;
+            setHoldOpen(0);
+            serialClose();
             if (!operationSucceeded(scopeConnect)) return false;
-            scopeDisconnect();
+            // "Persistant": the port stays open between operations, so that the marker's reads
+            // do not wait for the port to settle each time. "Upon need": each one opens it.
+            constexpr int kConnectionPersistent = 0;
+            if (prefs().connectionMode == kConnectionPersistent) setHoldOpen(1);
+            else scopeDisconnect();
             session->connected = true;
             const int code = prefs().scopeDrive;
             out = {{"ok", true}, {"action", "Connected to " + std::string(driveListName(code))}, {"drive", code}};
+            return true;
+        });
+    });
+    s.Post("/api/scope/disconnect", [&engine, session](const Request&, Response& res) {
+        answerJob(engine, res, [&](nlohmann::json& out) {
+            session->connected = false;
+            setHoldOpen(0);
+            scopeDisconnect();
+            serialClose();
+            out = {{"ok", true}, {"action", "Disconnect"}};
             return true;
         });
     });
@@ -250,6 +266,8 @@ void registerHandBox(httplib::Server& s, Engine& engine, const std::shared_ptr<S
             scopeDisconnect();
             if (!ok) {
                 session->connected = false;  // the marker timer stops; the message says why
+                setHoldOpen(0);
+                serialClose();
                 return true;
             }
             out = {{"connected", true}, {"ra", ra}, {"dec", dec}};

@@ -8,6 +8,12 @@
 
 namespace nocturnel {
 
+std::string invalidValueTitle(std::string_view name) {
+    std::string title = "Invalid value for ";
+    title.append(name);
+    return title;
+}
+
 std::optional<long> readWholeNumber(std::string_view text, long low, long high) {
     std::size_t digits = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -75,7 +81,7 @@ bool ValueReader::whole(const char* name, long low, long high, std::optional<int
     if (!text) return true;
     const auto value = isBool ? std::nullopt : readWholeNumber(*text, low, high);
     if (!value) {
-        refuse(std::string("Invalid value for ") + name,
+        refuse(invalidValueTitle(name),
                "Expected a whole number " + std::to_string(low) + ".." + std::to_string(high) + ", got " + shown(*text));
         return false;
     }
@@ -91,7 +97,7 @@ bool ValueReader::real(const char* name, double low, double high, std::optional<
     if (!value) {
         char range[64];
         std::snprintf(range, sizeof range, "%g..%g", low, high);
-        refuse(std::string("Invalid value for ") + name, std::string("Expected a number ") + range + ", got " + shown(*text));
+        refuse(invalidValueTitle(name), std::string("Expected a number ") + range + ", got " + shown(*text));
         return false;
     }
     out = *value;
@@ -103,7 +109,7 @@ bool ValueReader::text(const char* name, std::size_t maxChars, std::optional<std
     const auto text = raw(name, isNumber, isBool);
     if (!text) return true;
     if (text->size() > maxChars) {
-        refuse(std::string("Invalid value for ") + name, "At most " + std::to_string(maxChars) + " characters.");
+        refuse(invalidValueTitle(name), "At most " + std::to_string(maxChars) + " characters.");
         return false;
     }
     out = *text;
@@ -116,7 +122,7 @@ bool ValueReader::moment(const char* name, std::optional<ObservingMoment>& out) 
     if (!text) return true;
     const auto value = readMomentText(*text);
     if (!value) {
-        refuse(std::string("Invalid value for ") + name, "Expected YYYY-MM-DDTHH:MM[:SS] local time, got " + shown(*text));
+        refuse(invalidValueTitle(name), "Expected YYYY-MM-DDTHH:MM[:SS] local time, got " + shown(*text));
         return false;
     }
     out = value;
@@ -130,7 +136,7 @@ bool ValueReader::flag(const char* name, std::optional<bool>& out) {
     if (*text == "true" || *text == "1") out = true;
     else if (*text == "false" || *text == "0") out = false;
     else {
-        refuse(std::string("Invalid value for ") + name, "Expected true or false, got " + shown(*text));
+        refuse(invalidValueTitle(name), "Expected true or false, got " + shown(*text));
         return false;
     }
     return true;

@@ -12,6 +12,9 @@
 
 namespace nocturnel {
 
+// "Invalid value for NAME", the first line of every refused value.
+std::string invalidValueTitle(std::string_view name);
+
 // Whole decimal number (optional sign, at most 10 digits) within [low, high].
 std::optional<long> readWholeNumber(std::string_view text, long low, long high);
 // Finite decimal real (no "nan", "inf", hex) within [low, high].

@@ -253,6 +253,34 @@ TEST_F(Server, StopAnswersAWaitingQuestionNo) {
     EXPECT_FALSE(asked.get());
 }
 
+TEST_F(Server, TimeStepsByThePreferenceAndBackToTheClock) {
+    TestServer server(home_);
+    ASSERT_TRUE(server.ready());
+    httplib::Client client("127.0.0.1", server.port());
+    struct {
+        int timeStep, steps;
+        int day, hour, minute, second;
+    } rows[] = {
+        {0, 1, 21, 22, 1, 0},     // "1 mn"
+        {7, -1, 20, 22, 1, 0},    // "1 Day" back
+        {8, 1, 21, 21, 57, 4},    // "1 Sid. Day": 23 h 56 min 4 s later
+        {5, -30, 20, 15, 57, 4},  // "1 Hour", thirty back
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.timeStep);
+        ASSERT_EQ(client.Put("/api/prefs", nlohmann::json{{"timeStep", row.timeStep}}.dump(), "application/json")->status, 200);
+        const auto now = json(client.Post("/api/time/step", nlohmann::json{{"steps", row.steps}}.dump(), "application/json"));
+        EXPECT_EQ(now.at("day"), row.day);
+        EXPECT_EQ(now.at("hour"), row.hour);
+        EXPECT_EQ(now.at("minute"), row.minute);
+        EXPECT_EQ(now.at("second"), row.second);
+    }
+    EXPECT_EQ(json(client.Get("/api/now")).at("hour"), 15);  // the stepped moment stays
+    EXPECT_EQ(client.Post("/api/time/step", R"({"steps":1e9})", "application/json")->status, 400);
+    const auto clock = json(client.Post("/api/time/now", "", "application/json"));
+    EXPECT_GE(clock.at("year").get<int>(), 2024);
+}
+
 TEST_F(Server, TwoClientsAtOnce) {
     TestServer server(home_);
     ASSERT_TRUE(server.ready());
@@ -368,10 +396,7 @@ TEST_F(Server, GotoVegaMovesTheSimulatedLx200) {
         ASSERT_TRUE(lost);
         EXPECT_EQ(json(lost).at("connected"), false);
         EXPECT_EQ(json(client.Get("/api/now")).at("year"), 2026);
-        server.engine().run([] {
-            setHoldOpen(0);
-            serialClose();
-        });
+        EXPECT_EQ(client.Post("/api/scope/disconnect", "", "application/json")->status, 200);
     }
     ::unsetenv("NOCTURNEL_SERIAL_SETTLE_MS");
 }
