@@ -14,13 +14,6 @@ const FOV_DEG = [180, 150, 120, 90, 60, 45, 30, 20, 10, 5, 2.5, 1, 0.5];
 const TAP_SLOP_PX = 10;         // a finger moving less than this is a tap
 const SCOPE_POLL_MS = 2000;
 const ROTATE_STEP_DEG = 45;
-// The "Time Step" choices in seconds of civil time (a lunation is the mean synodic month).
-const DAY_S = 86400;
-const TIME_STEP_SECONDS = {
-  '90 Days': 90 * DAY_S, '60 Days': 60 * DAY_S, '30 Days': 30 * DAY_S, '1 Lunation': Math.round(29.530589 * DAY_S),
-  '14 Days': 14 * DAY_S, '10 Days': 10 * DAY_S, '5 Days': 5 * DAY_S, '2 Days': 2 * DAY_S, '1 Sid. Day': 86164,
-  '1 Day': DAY_S, '6 Hours': 21600, '1 Hour': 3600, '15 mn': 900, '10 mn': 600, '5 mn': 300, '2 mn': 120, '1 mn': 60,
-};
 
 // The view is kept across visits of the chart screen.
 const view = { zoom: 0, mode: 0, rotate: null, ra: null, dec: null, az: null, alt: null };
@@ -189,15 +182,9 @@ export async function mount(container) {
     } else marker.hidden = true;
   }
 
-  // Steps the observing moment by the "Time Step" preference through the date/time dialog.
-  async function stepTime(direction) {
-    const seconds = TIME_STEP_SECONDS[state.labels.timeStep] ?? 3600;
-    const now = await get('/api/now', { quiet: true });
-    if (!now.ok) return;
-    const t = new Date(Date.UTC(now.year, now.month - 1, now.day, now.hour, now.minute, now.second) + direction * seconds * 1000);
-    const values = { year: t.getUTCFullYear(), month: t.getUTCMonth() + 1, day: t.getUTCDate(),
-      hour: t.getUTCHours(), minute: t.getUTCMinutes(), second: t.getUTCSeconds(), showsUt: false };
-    const r = await post('/api/forms/datetime', { action: 'accept', values });
+  // Steps the observing moment by the "Time Step" preference (the engine keeps the moment).
+  async function stepTime(steps) {
+    const r = await post('/api/time/step', { steps });
     if (r.ok) await loadChart();
   }
 

@@ -48,6 +48,12 @@ export async function mount(container) {
     if (state.scopeConnected) showPosition(await post('/api/scope/read', {}, { quiet: true }));
   }
 
+  async function disconnect() {
+    stopMoving();
+    const r = await post('/api/scope/disconnect');
+    if (r.ok) { state.scopeConnected = false; status.textContent = 'Not connected'; }
+  }
+
   const rateButtons = RATES.map((label, i) => el('button', {
     class: i === rate ? 'on' : '', 'data-rate': String(i),
     onclick: async () => {
@@ -103,6 +109,7 @@ export async function mount(container) {
     el('div', { class: 'group' },
       el('div', { class: 'buttons' },
         el('button', { class: 'primary', 'data-testid': 'connect', onclick: connect }, 'Connect'),
+        el('button', { 'data-testid': 'disconnect', onclick: disconnect }, 'Disconnect'),
         el('button', { 'data-testid': 'read', onclick: async () => showPosition(await post('/api/scope/read')) }, 'Read')),
       status, readout),
     el('div', { class: 'group' }, el('header', {}, el('h3', {}, 'Rate')), el('div', { class: 'rates' }, rateButtons)),
