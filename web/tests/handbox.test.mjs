@@ -71,6 +71,9 @@ test('a rate and press-and-hold reach the mount, release stops it', async () => 
   assert.equal(await north.evaluate((b) => b.classList.contains('held')), false);
   assert.equal((await stopped).status(), 200);
   assert.deepEqual(sent, ['move {"dir":"n"}', 'stop {"dir":"n"}']);
+  // Released, the mount holds still: two reads agree.
+  const [a, b] = [await position(), await position()];
+  assert.deepEqual([a.ra, a.dec], [b.ra, b.dec], 'the mount holds still once N is released');
   // A finger taken by the system (pointercancel) stops the move as well.
   const east = page.locator('[data-direction=e]');
   await east.dispatchEvent('pointerdown', { pointerId: 7, pointerType: 'touch', isPrimary: true, bubbles: true });
@@ -98,4 +101,8 @@ test('GoTo Vega ends with the mount at Vega', async () => {
   assert.equal(p.connected, true);
   assert.ok(Math.abs(p.ra - 18.6156) < 0.03, `RA ${p.ra} h`);
   assert.ok(Math.abs(p.dec - 38.7836) < 0.1, `Dec ${p.dec}°`);
+  // Disconnect closes the port: the read-out and the chart's marker stop.
+  await page.locator('[data-testid=disconnect]').click();
+  await page.locator('[data-testid=scope-status]', { hasText: 'Not connected' }).waitFor();
+  assert.equal((await position()).connected, false);
 });
