@@ -103,9 +103,14 @@ test('the engine\'s question is asked in the page and its answer goes back', asy
   const question = page.locator('.modal.question');
   await question.waitFor();
   assert.match(await question.textContent(), /Would you want to restore your last alignment\?/);
+  // The request waits on the engine meanwhile: the progress box offers to stop it.
+  const progress = page.locator('.modal-back.progress');
+  assert.match(await progress.textContent(), /Press any key to stop\./);
+  assert.equal(await progress.locator('button', { hasText: 'Stop' }).count(), 1);
   const answered = page.waitForRequest((r) => r.url().endsWith('/api/answer'));
   await question.locator('button', { hasText: 'No' }).click();
   assert.deepEqual(JSON.parse((await answered).postData()).yes, false);
   const boxes = await drainMessages(page);
   assert.match(boxes[0]?.title || '', /No communication port is selected/);
+  assert.equal(await progress.count(), 0, 'the progress box goes with the answer');
 });
