@@ -5,7 +5,7 @@
 # every web/**/*.{html,css,js,mjs,json,svg,png,webmanifest} as a WebAsset (shell/web_assets.h).
 # A missing or empty web/ gives an empty table. Run with -P, this file is the generator itself.
 
-set(NOCTURNEL_WEB_PATTERNS html css js mjs json svg png webmanifest ico txt)
+set(NOCTURNEL_WEB_PATTERNS html css js mjs json svg png webmanifest)
 
 function(nocturnel_web_files WEB_DIR OUT_VAR)
   set(globs)

@@ -22,7 +22,6 @@
 #include "shell/form_descriptions.h"
 #include "shell/http_readers.h"
 #include "shell/http_reply.h"
-#include "shell/star_names.h"
 #include "shell/telescope_angles.h"
 
 namespace nocturnel {
@@ -207,33 +206,6 @@ AlignmentFormTexts readAlignmentTexts(const nlohmann::json& values, bool& ok) {
     return t;
 }
 
-std::string localTimeText() {
-    const ObservingMoment m = scopeNow();
-    char text[16];
-    std::snprintf(text, sizeof text, "%02d:%02d:%02d", m.hour, m.minute, m.second);
-    return text;
-}
-
-// Centre the named star, then "Read": its place, the time and the telescope's angles.
-bool readAlignmentStar(AlignmentFormTexts& t, int i) {
-    std::string canonical;
-    double ra = 0, dec = 0;
-    if (!findBrightStarByName(t.star[i][0], canonical, ra, dec)) {
-        showMessage("Unknown star", t.star[i][0].empty() ? "Type the star's name first." : t.star[i][0]);
-        return false;
-    }
-    double hor = 0, elv = 0;
-    if (!readTelescopeAngles(hor, elv)) return false;
-    char buf[4][kAngleTextSize];
-    t.star[i][0] = canonical;
-    t.star[i][1] = localTimeText();
-    t.star[i][2] = hoursToTextStyle(ra, 1, buf[0]);
-    t.star[i][3] = degreesToTextStyle(dec, 1, buf[1]);
-    t.star[i][4] = prefs().mountType == 0 ? hoursToTextStyle(hor / 15.0, 1, buf[2]) : degreesToTextStyle(hor, 0, buf[2]);
-    t.star[i][5] = degreesToTextStyle(elv, 0, buf[3]);
-    return true;
-}
-
 bool submitAlignmentForm(const nlohmann::json& body, nlohmann::json& form, ScopeSession& session) {
     bool ok = true;
     AlignmentFormTexts t = readAlignmentTexts(valuesOf(body), ok);
@@ -241,7 +213,8 @@ bool submitAlignmentForm(const nlohmann::json& body, nlohmann::json& form, Scope
     const std::string action = actionOf(body, "compute");
     prepareScope(session);
     if (action == "read1" || action == "read2") {
-        ok = readAlignmentStar(t, action == "read1" ? 0 : 1);
+        const int i = action == "read1" ? 0 : 1;
+        ok = readAlignmentStarFromScope(t.star[i][0], t.star[i]);
     } else if (action == "restore") {
         if (!prefs().hasSavedAlignment) {
             showMessage("Please do 2 stars alignment first.");

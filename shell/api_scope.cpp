@@ -22,6 +22,7 @@
 #include "shell/http_reply.h"
 #include "shell/sky_place.h"
 #include "shell/star_names.h"
+#include "shell/telescope_angles.h"
 
 namespace nocturnel {
 namespace {
@@ -282,6 +283,25 @@ void registerAlignment(httplib::Server& s, Engine& engine, const std::shared_ptr
         const auto body = readJsonBody(req, res);
         if (!body) return;
         answerJob(engine, res, [&](nlohmann::json& out) {
+            // {"fromScope": true, "star": 1|2, "name": "Vega"}: the user centred the star; its
+            // fields are read from the drive and returned for the form.
+            const auto fromScope = body->find("fromScope");
+            if (fromScope != body->end() && fromScope->is_boolean() && fromScope->get<bool>()) {
+                const auto name = body->find("name");
+                const auto starIt = body->find("star");
+                const int star = starIt != body->end() && starIt->is_number_integer() ? starIt->get<int>() : 0;
+                if (name == body->end() || !name->is_string() || name->get<std::string>().size() > 47 ||
+                    (star != 1 && star != 2)) {
+                    showMessage("Fail to compute align matrix", "Give star 1 or 2 and the name of the centred star.");
+                    return false;
+                }
+                prepareScope(*session);
+                std::string fields[6];
+                if (!readAlignmentStarFromScope(name->get<std::string>(), fields)) return false;
+                out = {{"star", star}, {"name", toUtf8(fields[0])}, {"time", fields[1]}, {"ra", toUtf8(fields[2])},
+                       {"dec", toUtf8(fields[3])}, {"hor", toUtf8(fields[4])}, {"elv", toUtf8(fields[5])}};
+                return true;
+            }
             AlignmentForm form;
             const auto stars = body->find("stars");
             if (stars == body->end() || !stars->is_array() || stars->size() != 2) {

@@ -388,6 +388,12 @@ TEST_F(Server, GotoVegaMovesTheSimulatedLx200) {
         ASSERT_EQ(position.at("connected"), true) << position.dump();
         EXPECT_NEAR(position.at("dec").get<double>(), 38.8, 0.3);
         EXPECT_NEAR(position.at("ra").get<double>(), 18.6, 0.05);
+        // The alignment star read from the drive: Vega's place, the mount's angles.
+        const auto star = json(client.Post("/api/align", R"({"fromScope":true,"star":1,"name":"vega"})", "application/json"));
+        EXPECT_EQ(star.at("name"), "Vega") << star.dump();
+        EXPECT_EQ(star.at("dec").get<std::string>().substr(0, 2), "38");
+        EXPECT_EQ(star.at("hor").get<std::string>().substr(0, 5), "18:37");  // hours on an equatorial mount
+        EXPECT_EQ(client.Post("/api/align", R"({"fromScope":true,"star":"1","name":"Vega"})", "application/json")->status, 422);
         EXPECT_EQ(client.Post("/api/scope/move", R"({"dir":"x"})", "application/json")->status, 400);
         EXPECT_EQ(client.Post("/api/scope/rate", R"({"rate":7})", "application/json")->status, 400);
         // The mount unplugged: the server keeps answering, the marker says why it stopped.
