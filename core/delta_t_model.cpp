@@ -50,14 +50,20 @@ double observed(double y) {
     return kObservedDeltaTSec[i] + (kObservedDeltaTSec[i + 1] - kObservedDeltaTSec[i]) * f;
 }
 
-// The extrapolation shifted to meet the table's end value, the shift fading over a century.
+// The extrapolation joined to the table's end with the same value and the same trend (the
+// table's last five years), the correction fading over a century: without it the formulas'
+// slopes put today's DeltaT several seconds off (Chapront-Touze: 7 s in 2026).
 double joined(double y, double (*formula)(double)) {
     const double first = kObservedDeltaTFirstYear;
     const double last = first + (kObservedDeltaTCount - 1) * kObservedDeltaTStepYears;
-    const double edge = y < first ? first : last;
+    const bool future = y > last;
+    const double edge = future ? last : first;
+    const double inner = future ? edge - 5.0 : edge + 5.0;
+    const double observedSlope = (observed(edge) - observed(inner)) / (edge - inner);
+    const double formulaSlope = (formula(edge + 0.01) - formula(edge - 0.01)) / 0.02;
     const double shift = observed(edge) - formula(edge);
     const double fade = std::max(0.0, 1.0 - std::abs(y - edge) / 100.0);
-    return formula(y) + shift * fade;
+    return formula(y) + (shift + (observedSlope - formulaSlope) * (y - edge)) * fade;
 }
 
 }  // namespace

@@ -43,6 +43,14 @@ TEST(DeltaTModel, ExtrapolationsJoinTheTableWithoutAJump) {
     EXPECT_NEAR(deltaTSecondsFor(jdOfYear(2150.0), kDeltaTChaprontTouze1997), 102.0 + 102.0 * t + 25.3 * t * t, 0.01);
 }
 
+// Just past the table both follow its trend: at 2026.0 TT - UTC = 69.184 s and UT1 - UTC was
+// near 0 (IERS Bulletin A), so DeltaT was about 69.1 s. Tolerance 2 s: the extrapolation's
+// own uncertainty three years out (2 s move the Moon by 1").
+TEST(DeltaTModel, ThePresentFollowsTheTableTrend) {
+    for (int formula : {kDeltaTChaprontTouze1997, kDeltaTJplHorizon})
+        EXPECT_NEAR(deltaTSecondsFor(jdOfYear(2026.0), formula), 69.1, 2.0) << formula;
+}
+
 TEST(DeltaTModel, PreferenceChoosesAndTtRoundTrips) {
     const double jd = jdOfYear(2050.0);
     prefs().deltaTFormula = kDeltaTJplHorizon;

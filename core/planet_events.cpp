@@ -32,15 +32,22 @@ bool sampleBody(SolarBody body, double jdUt, Sample* s) {
     return true;
 }
 
-Sample at(SolarBody body, double jdUt) {
+Sample exactAt(SolarBody body, double jdUt) {
     Sample s;
     sampleBody(body, jdUt, &s);
     return s;
 }
 
-double elongationAt(SolarBody body, double jdUt) {
-    const Sample b = at(body, jdUt), sun = at(SolarBody::Sun, jdUt);
-    return separationDeg(b.ra, b.dec, sun.ra, sun.dec);
+// Lagrange's four-point interpolation at u (0..3) of values at 0, 1, 2, 3.
+double lagrange4(const double (&y)[4], double u) {
+    double sum = 0.0;
+    for (int i = 0; i < 4; ++i) {
+        double w = 1.0;
+        for (int j = 0; j < 4; ++j)
+            if (j != i) w *= (u - j) / static_cast<double>(i - j);
+        sum += w * y[i];
+    }
+    return sum;
 }
 
 bool wanted(std::string_view filter, std::string_view kind) { return filter.empty() || filter == kind; }
@@ -67,6 +74,34 @@ std::vector<PlanetEvent> findPlanetEvents(double fromJdUt, double toJdUt, std::s
     for (int d = 0; d < days; ++d)
         for (int b = 0; b < kSolarBodyCount; ++b)
             if (!sampleBody(static_cast<SolarBody>(b), first + d, &s[d][b])) return {};
+    // The place between the daily samples, by four-point interpolation (under an arcsecond for
+    // the Moon, far below the ten minutes the events are given to), for the crossings.
+    auto at = [&](SolarBody body, double t) {
+        const int b = static_cast<int>(body);
+        const double x = t - first;
+        const int i = std::clamp(static_cast<int>(std::floor(x)) - 1, 0, days - 4);
+        const double u = x - i;
+        auto interpolate = [&](double Sample::*field, double period) {
+            double y[4];
+            for (int k = 0; k < 4; ++k) {
+                y[k] = s[i + k][b].*field;
+                if (period > 0.0 && k > 0) y[k] = y[k - 1] + std::remainder(y[k] - y[k - 1], period);
+            }
+            return lagrange4(y, u);
+        };
+        Sample out;
+        out.lon = std::fmod(interpolate(&Sample::lon, 360.0) + 720.0, 360.0);
+        out.ra = std::fmod(interpolate(&Sample::ra, 24.0) + 48.0, 24.0);
+        out.dec = interpolate(&Sample::dec, 0.0);
+        out.distance = interpolate(&Sample::distance, 0.0);
+        out.sunDistance = interpolate(&Sample::sunDistance, 0.0);
+        return out;
+    };
+    // Extrema are flat: their times come from the full places, not the interpolated ones.
+    auto elongationAt = [&](SolarBody body, double t) {
+        const Sample b = exactAt(body, t), sun = exactAt(SolarBody::Sun, t);
+        return separationDeg(b.ra, b.dec, sun.ra, sun.dec);
+    };
     auto add = [&](const char* k, double jd, std::vector<std::string> bodies, std::optional<double> sep = {}) {
         if (jd >= fromJdUt && jd < toJdUt) events.push_back({k, jd, std::move(bodies), sep});
     };
@@ -139,7 +174,7 @@ std::vector<PlanetEvent> findPlanetEvents(double fromJdUt, double toJdUt, std::s
                 const int i = static_cast<int>(p);
                 const double r0 = wrap180(s[d][i].lon - s[d - 1][i].lon), r1 = wrap180(s[d + 1][i].lon - s[d][i].lon);
                 if ((r0 < 0.0) != (r1 < 0.0)) {
-                    auto rate = [&](double t) { return wrap180(at(p, t + 0.25).lon - at(p, t - 0.25).lon); };
+                    auto rate = [&](double t) { return wrap180(exactAt(p, t + 0.25).lon - exactAt(p, t - 0.25).lon); };
                     add("station", findRoot(rate, tm + 0.5, t0 + 0.5), {solarBodyName(p)});
                 }
             }
@@ -151,16 +186,16 @@ std::vector<PlanetEvent> findPlanetEvents(double fromJdUt, double toJdUt, std::s
                 const double a = s[d - 1][i].sunDistance, b = s[d][i].sunDistance, c = s[d + 1][i].sunDistance;
                 const char* name = p == SolarBody::Earth ? "Earth" : solarBodyName(p);
                 if (isMin(a, b, c) && wanted(kind, "perihelion"))
-                    add("perihelion", findMaximum([&](double t) { return -at(sampled, t).sunDistance; }, tm, t1), {name});
+                    add("perihelion", findMaximum([&](double t) { return -exactAt(sampled, t).sunDistance; }, tm, t1), {name});
                 if (isMax(a, b, c) && wanted(kind, "aphelion"))
-                    add("aphelion", findMaximum([&](double t) { return at(sampled, t).sunDistance; }, tm, t1), {name});
+                    add("aphelion", findMaximum([&](double t) { return exactAt(sampled, t).sunDistance; }, tm, t1), {name});
             }
         {
             const double a = s[d - 1][moon].distance, b = s[d][moon].distance, c = s[d + 1][moon].distance;
             if (isMin(a, b, c) && wanted(kind, "perigee"))
-                add("perigee", findMaximum([&](double t) { return -at(SolarBody::Moon, t).distance; }, tm, t1), {"Moon"});
+                add("perigee", findMaximum([&](double t) { return -exactAt(SolarBody::Moon, t).distance; }, tm, t1), {"Moon"});
             if (isMax(a, b, c) && wanted(kind, "apogee"))
-                add("apogee", findMaximum([&](double t) { return at(SolarBody::Moon, t).distance; }, tm, t1), {"Moon"});
+                add("apogee", findMaximum([&](double t) { return exactAt(SolarBody::Moon, t).distance; }, tm, t1), {"Moon"});
         }
     }
     std::sort(events.begin(), events.end(), [](const PlanetEvent& a, const PlanetEvent& b) { return a.jdUt < b.jdUt; });

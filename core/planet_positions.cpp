@@ -70,13 +70,14 @@ StateVector heliocentricState(const PlanetSeriesSet& series, SolarBody body, dou
     return {eclipticJ2000ToEquatorial(pos), (1.0 / kDaysPerMillennium) * eclipticJ2000ToEquatorial(vel)};
 }
 
-Vec3 heliocentricPosition(const PlanetSeriesSet& series, SolarBody body, double jdTt) {
+Vec3 heliocentricPosition(const PlanetSeriesSet& series, SolarBody body, double jdTt, double minAmplitude) {
     if (body == SolarBody::Pluto || body == SolarBody::Sun || body == SolarBody::Moon)
         return heliocentricState(series, body, jdTt).positionAu;
     const SeriesBody sb = seriesBodyOf(body);
     const double tau = (jdTt - kJ2000Jd) / kDaysPerMillennium;
-    return eclipticJ2000ToEquatorial(sphericalToVector(vsopValue(series, sb, 0, tau), vsopValue(series, sb, 1, tau),
-                                                       vsopValue(series, sb, 2, tau)));
+    return eclipticJ2000ToEquatorial(sphericalToVector(vsopValue(series, sb, 0, tau, minAmplitude),
+                                                       vsopValue(series, sb, 1, tau, minAmplitude),
+                                                       vsopValue(series, sb, 2, tau, minAmplitude)));
 }
 
 Vec3 moonGeocentricPosition(const PlanetSeriesSet& series, double jdTt) {

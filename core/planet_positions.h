@@ -23,8 +23,9 @@ Vec3 sphericalToVector(double longitudeRad, double latitudeRad, double radius);
 // Heliocentric state of a planet, the Earth or Pluto (the Sun: zero). The velocity of Pluto is
 // a difference over one day.
 StateVector heliocentricState(const PlanetSeriesSet& series, SolarBody body, double jdTt);
-// Heliocentric position alone (the Sun: zero).
-Vec3 heliocentricPosition(const PlanetSeriesSet& series, SolarBody body, double jdTt);
+// Heliocentric position alone (the Sun: zero); terms with an amplitude below minAmplitude
+// (radians or AU) are left out of the VSOP87 sums (0: the full series).
+Vec3 heliocentricPosition(const PlanetSeriesSet& series, SolarBody body, double jdTt, double minAmplitude = 0.0);
 // Geocentric position of the Moon.
 Vec3 moonGeocentricPosition(const PlanetSeriesSet& series, double jdTt);
 

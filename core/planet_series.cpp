@@ -69,8 +69,15 @@ bool parsePlanetSeries(std::string_view bytes, PlanetSeriesSet& set, std::string
     }
     set.terms.resize(header.termCount);
     if (header.termCount) std::memcpy(set.terms.data(), p, set.terms.size() * sizeof(PlanetSeriesTerm));
+    // Every body needs its three coordinates, the Moon its mean longitude W1 as one term.
+    for (int b = 0; b < kSeriesBodyCount; ++b)
+        for (int c = 0; c < 3; ++c)
+            if (set.series[b][c].empty()) {
+                error = "series " + std::to_string(c) + " of body " + std::to_string(b) + " is missing";
+                return false;
+            }
     const auto& w1 = set.series[static_cast<int>(SeriesBody::Moon)][kMoonMeanLongitude];
-    if (!set.series[static_cast<int>(SeriesBody::Moon)][0].empty() && (w1.size() != 1 || w1[0].count != 1)) {
+    if (w1.size() != 1 || w1[0].count != 1) {
         error = "the Moon's mean longitude is missing";
         return false;
     }
@@ -117,12 +124,13 @@ SeriesValue vsopCoordinate(const PlanetSeriesSet& set, SeriesBody body, int coor
     return {value, rate};
 }
 
-double vsopValue(const PlanetSeriesSet& set, SeriesBody body, int coordinate, double tau) {
+double vsopValue(const PlanetSeriesSet& set, SeriesBody body, int coordinate, double tau, double minAmplitude) {
     double value = 0.0;
     for (const PlanetSeriesSet::Span& span : set.series[static_cast<int>(body)][coordinate]) {
         double sum = 0.0;
         const PlanetSeriesTerm* t = set.terms.data() + span.first;
-        for (uint32_t i = 0; i < span.count; ++i, ++t) sum += t->amplitude * std::cos(t->phase[0] + t->phase[1] * tau);
+        for (uint32_t i = 0; i < span.count; ++i, ++t)
+            if (std::abs(t->amplitude) >= minAmplitude) sum += t->amplitude * std::cos(t->phase[0] + t->phase[1] * tau);
         value += sum * std::pow(tau, span.power);
     }
     return value;

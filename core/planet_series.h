@@ -38,8 +38,8 @@ struct SeriesValue {
 };
 // Sum of one VSOP87 coordinate (0 L, 1 B, 2 R) for tau Julian millennia of TDB from J2000.
 SeriesValue vsopCoordinate(const PlanetSeriesSet& set, SeriesBody body, int coordinate, double tau);
-// The value alone (half the work).
-double vsopValue(const PlanetSeriesSet& set, SeriesBody body, int coordinate, double tau);
+// The value alone (half the work), leaving out terms whose amplitude is below minAmplitude.
+double vsopValue(const PlanetSeriesSet& set, SeriesBody body, int coordinate, double tau, double minAmplitude = 0.0);
 
 // ELP/MPP02: geocentric longitude and latitude (radians) and distance (km) of the Moon, on the
 // mean ecliptic of date from the inertial J2000 departure point, for T Julian centuries of TDB.

@@ -175,12 +175,15 @@ TEST(SolarEventsReference, MoonPhasesWithinAMinute) {
 
 // Events within 10 minutes: the reference quantity changes sign between our time - 10 min and
 // + 10 min (equinoxes and solstices: the Sun's longitude; oppositions: planet - Sun longitude
-// - 180; conjunctions: the difference in right ascension).
+// - 180; conjunctions: the difference in right ascension), or has its extremum there
+// (perigee, apogee, perihelion, aphelion: the distance; greatest elongation: the elongation;
+// stations: the longitude).
 TEST(SolarEventsReference, EventsWithinTenMinutes) {
     REQUIRE_REFERENCE();
     // Short windows of 2027 around the equinoxes, solstices and four oppositions keep it fast.
     std::vector<PlanetEvent> events;
-    const Day windows[] = {{2027, 2, 8}, {2027, 2, 17}, {2027, 3, 18}, {2027, 6, 19}, {2027, 9, 21}, {2027, 10, 16}, {2027, 12, 20}};
+    const Day windows[] = {{2027, 1, 2},  {2027, 1, 6},  {2027, 1, 9},  {2027, 1, 20}, {2027, 2, 2},   {2027, 2, 8},
+                           {2027, 2, 17}, {2027, 3, 18}, {2027, 6, 19}, {2027, 9, 21}, {2027, 10, 16}, {2027, 12, 20}};
     for (const Day& w : windows) {
         const double from = julianDayAtMidnight(w.y, w.m, w.d);
         for (const PlanetEvent& e : findPlanetEvents(from, from + 5.0)) events.push_back(e);
@@ -191,35 +194,56 @@ TEST(SolarEventsReference, EventsWithinTenMinutes) {
             if (name == kNames[i]) return i;
         return -1;
     };
-    int compared = 0, oppositions = 0, equinoxes = 0, conjunctions = 0;
+    int compared = 0, oppositions = 0, equinoxes = 0, conjunctions = 0, extrema = 0;
     for (const PlanetEvent& e : events) {
-        if (e.kind == "conjunction" && ++conjunctions > 25) continue;  // enough for a ledger, fast enough for CI
-        double f[2];
-        for (int k = 0; k < 2; ++k) {
-            const double jdTt = e.jdUt + (k ? 10 : -10) * kMinute + modelDeltaTSeconds(e.jdUt) / kSecondsPerDay;
-            char args[120];
-            auto value = [&](int body, const char* format) {
-                std::snprintf(args, sizeof args, "-bj%.8f -p%d -fP%s", jdTt, body, format);
+        if (e.kind == "conjunction" && ++conjunctions > 10) continue;  // enough for a ledger, fast enough for CI
+        const double offsets[] = {-10 * kMinute, 0.0, 10 * kMinute};
+        double f[3];
+        for (int k = 0; k < 3; ++k) {
+            const double jdTt = e.jdUt + offsets[k] + modelDeltaTSeconds(e.jdUt) / kSecondsPerDay;
+            char args[160];
+            auto value = [&](int body, const char* format, const char* extra = "") {
+                std::snprintf(args, sizeof args, "-bj%.8f -p%d -fP%s -ep %s", jdTt, body, format, extra);
                 return swetestValue(args);
             };
+            const int body = e.bodies[0] == "Earth" ? 0 : swissNumber(e.bodies[0]);
             if (e.kind == "equinox" || e.kind == "solstice") {
                 const double lon = value(0, "l");
                 f[k] = wrap180(lon - 90.0 * std::round(lon / 90.0));
             } else if (e.kind == "opposition") {
-                f[k] = wrap180(value(swissNumber(e.bodies[0]), "l") - value(0, "l") - 180.0);
+                f[k] = wrap180(value(body, "l") - value(0, "l") - 180.0);
             } else if (e.kind == "conjunction") {
-                f[k] = wrap180(value(swissNumber(e.bodies[0]), "a") - value(swissNumber(e.bodies[1]), "a"));
-            } else {
-                break;
-            }
-            if (k == 1) {
-                EXPECT_LE(f[0] * f[1], 0.0) << e.kind << " " << e.bodies[0] << " " << e.jdUt;
-                ++compared;
-                oppositions += e.kind == "opposition";
-                equinoxes += e.kind == "equinox" || e.kind == "solstice";
+                f[k] = wrap180(value(body, "a") - value(swissNumber(e.bodies[1]), "a"));
+            } else if (e.kind == "perigee" || e.kind == "apogee") {
+                f[k] = value(1, "R");
+            } else if (e.kind == "perihelion" || e.kind == "aphelion") {
+                f[k] = body == 0 ? value(0, "R") : value(body, "R", "-hel");
+            } else if (e.kind == "greatestElongation") {
+                f[k] = separationDeg(value(body, "a") / 15.0, value(body, "d"), value(0, "a") / 15.0, value(0, "d"));
+            } else if (e.kind == "station") {
+                f[k] = value(body, "l");
             }
         }
+        if (e.kind == "equinox" || e.kind == "solstice" || e.kind == "opposition" || e.kind == "conjunction") {
+            // A sign change between -10 and +10 minutes.
+            EXPECT_LE(f[0] * f[2], 0.0) << e.kind << " " << e.bodies[0] << " " << e.jdUt;
+            oppositions += e.kind == "opposition";
+            equinoxes += e.kind == "equinox" || e.kind == "solstice";
+        } else {
+            // The extremum lies between -10 and +10 minutes: the middle value is beyond both ends
+            // (stations: the longitude turns).
+            const bool isMax = e.kind == "apogee" || e.kind == "aphelion" || e.kind == "greatestElongation";
+            if (e.kind == "station")
+                EXPECT_LE((f[1] - f[0]) * (f[2] - f[1]), 0.0) << e.kind << " " << e.bodies[0] << " " << e.jdUt;
+            else if (isMax)
+                EXPECT_TRUE(f[1] >= f[0] && f[1] >= f[2]) << e.kind << " " << e.bodies[0] << " " << e.jdUt;
+            else
+                EXPECT_TRUE(f[1] <= f[0] && f[1] <= f[2]) << e.kind << " " << e.bodies[0] << " " << e.jdUt;
+            ++extrema;
+        }
+        ++compared;
     }
+    EXPECT_GE(extrema, 6);  // Earth's perihelion, apogee, Mars' station, perigee, Mercury's elongation and perihelion
     EXPECT_EQ(equinoxes, 4);
     EXPECT_EQ(oppositions, 3);  // Jupiter, Mars, Saturn
     EXPECT_GE(compared, 15);

@@ -32,8 +32,7 @@ SkyRequest skyRequestFromPreferences(bool withRiseSet) {
 int solarBodyAt(SolarBody body, const SkyRequest& request, double deltaTSec, SolarBodyReport* out) {
     const double jdTt = request.jdUt + deltaTSec / kSecondsPerDay;
     out->body = body;
-    if (geocentricPlace(body, jdTt, &out->geocentric) != 0) return 1;
-    if (topocentricPlace(body, jdTt, deltaTSec, request.site, &out->topocentric) != 0) return 1;
+    if (geocentricAndTopocentricPlace(body, jdTt, deltaTSec, request.site, &out->geocentric, &out->topocentric) != 0) return 1;
     const Vec3 j2000 = transposed(j2000ToDateMatrix(jdTt)) * raDecToVector(out->topocentric.raHours, out->topocentric.decDeg);
     vectorToRaDec(j2000, &out->raJ2000Hours, &out->decJ2000Deg);
     const int refraction = (request.correction == 1 || request.correction == 3) ? kRefractionSiteWeather : kRefractionNone;

@@ -11,6 +11,7 @@ packages=(build-essential cmake pkg-config git ccache
           clang libclang-rt-14-dev  # fuzz targets: clang's libFuzzer and sanitizer runtimes
           indi-bin  # INDI's own mount drivers: the interoperability tests run them against our simulators
           swetest swe-basic-data  # Swiss Ephemeris, reference for the Sun, Moon and planet tests only
+          chromium    # headless browser for the page's tests (web/tests)
           )
 
 missing=()
@@ -31,4 +32,10 @@ if [ ${#missing[@]} -gt 0 ]; then
   $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"
 else
   echo "setup: all packages present"
+fi
+
+# The page's browser tests drive chromium through npm's playwright-core (never its own browser).
+web="$(cd "$(dirname "$0")/.." && pwd)/web"
+if [ ! -d "$web/node_modules" ]; then
+  (cd "$web" && PLAYWRIGHT_SKIP_BROWSER_DOWNLOAD=1 npm ci --no-audit --no-fund)
 fi

@@ -153,7 +153,7 @@ struct Preferences {
     ObservingMoment moment;            // the current observing moment, local civil time
 
     // ---- SkyRoamer ----
-    SelectionCriteria selection;
+    SelectionCriteria selection;       // kept last, so a record saved before it existed reads as a prefix
 };
 static_assert(std::is_trivially_copyable_v<Preferences>);
 

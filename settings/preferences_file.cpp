@@ -4,6 +4,7 @@
 
 #include <array>
 #include <bit>
+#include <cstddef>
 #include <cstring>
 #include <string>
 
@@ -54,13 +55,18 @@ const char* parsePreferencesBytes(std::string_view bytes, Preferences& p) {
     if (bytes.size() < sizeof header) return "The preferences file is too short";
     std::memcpy(&header, bytes.data(), sizeof header);
     if (std::memcmp(header.magic, kMagic, sizeof kMagic) != 0) return "The preferences file is not a Nocturnel file";
-    if (header.version != kPreferencesFileVersion || header.payloadSize != sizeof(Preferences))
+    // A record written before the SkyRoamer criteria were added is the same record without its
+    // last field: it is read as a prefix and the criteria keep their defaults.
+    constexpr std::size_t kBeforeSelection = offsetof(Preferences, selection);
+    const bool current = header.payloadSize == sizeof(Preferences);
+    if (header.version != kPreferencesFileVersion || (!current && header.payloadSize != kBeforeSelection))
         return "The preferences file has another version";
-    if (bytes.size() < kFileSize) return "The preferences file is too short";
-    if (bytes.size() > kFileSize) return "The preferences file is too long";
+    const std::size_t expected = sizeof header + header.payloadSize;
+    if (bytes.size() < expected) return "The preferences file is too short";
+    if (bytes.size() > expected) return "The preferences file is too long";
     const char* payload = bytes.data() + sizeof header;
-    if (crc32(payload, sizeof(Preferences)) != header.checksum) return "The preferences file is damaged";
-    std::memcpy(static_cast<void*>(&p), payload, sizeof(Preferences));
+    if (crc32(payload, header.payloadSize) != header.checksum) return "The preferences file is damaged";
+    std::memcpy(static_cast<void*>(&p), payload, header.payloadSize);
     return nullptr;
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cstddef>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -68,6 +69,25 @@ TEST_F(PreferencesFile, RoundTripKeepsEveryByte) {
     ASSERT_EQ(loadPreferences(loaded), PreferencesLoad::Loaded);
     EXPECT_EQ(std::memcmp(&loaded, &saved, sizeof saved), 0);
     EXPECT_FALSE(fs::exists(fs::path(preferencesFilePath()).concat(".tmp")));
+}
+
+TEST_F(PreferencesFile, ARecordSavedBeforeTheSelectionCriteriaReadsAsAPrefix) {
+    const Preferences saved = sample();
+    const std::size_t oldSize = offsetof(Preferences, selection);
+    PreferencesFileHeader h{};
+    std::memcpy(h.magic, "NOCTPREF", 8);
+    h.version = kPreferencesFileVersion;
+    h.payloadSize = static_cast<uint32_t>(oldSize);
+    h.checksum = crc32(&saved, oldSize);
+    std::string bytes(reinterpret_cast<const char*>(&h), sizeof h);
+    bytes.append(reinterpret_cast<const char*>(&saved), oldSize);
+    std::ofstream(preferencesFilePath(), std::ios::binary) << bytes;
+    Preferences loaded = defaultPreferences();
+    loaded.selection.visibility = 3;
+    ASSERT_EQ(loadPreferences(loaded), PreferencesLoad::Loaded);
+    EXPECT_STREQ(loaded.siteName, "Pic du Midi");
+    EXPECT_EQ(loaded.altitudeM, 2877);
+    EXPECT_EQ(loaded.selection.visibility, 3) << "the criteria keep what they had";
 }
 
 TEST_F(PreferencesFile, HeaderLayout) {

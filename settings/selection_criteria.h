@@ -25,7 +25,8 @@ struct SelectionCriteria {
     int16_t reserved = 0;
     float scopeLimitMag = 0;         // refreshed before each run from the visibility estimate
     float eyesLimitMag = 0;
+    int32_t reserved2 = 0;           // keeps the record a multiple of 8 bytes
 };
-static_assert(sizeof(SelectionCriteria) == 44);
+static_assert(sizeof(SelectionCriteria) == 48);
 
 }  // namespace nocturnel

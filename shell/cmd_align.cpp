@@ -26,6 +26,8 @@
 #include "shell/option_checks.h"
 #include "shell/target_names.h"
 #include "shell/scope_clock.h"
+#include "shell/star_names.h"
+#include "shell/telescope_angles.h"
 
 namespace nocturnel {
 namespace {
@@ -83,23 +85,6 @@ void printMatrix() {
     }
     std::printf("Alignment matrix (reference time %s):\n", s.toTime);
     for (const auto& row : s.matrix.m) std::printf("  %+.9f %+.9f %+.9f\n", row[0], row[1], row[2]);
-}
-
-// Reads the telescope's own angles: encoder boxes give their two axes, the other drives their
-// RA (as degrees) and Dec.
-bool readTelescopeAngles(double& hor, double& elv) {
-    const int code = prefs().scopeDrive;
-    if (driveFamily(code) == DriveFamily::EncoderBox) {
-        if (!encoderConnect(code)) return false;
-        const int ok = encoderReadAzAlt(code, hor, elv);
-        encoderDisconnect();
-        return ok != 0;
-    }
-    double ra = 0, dec = 0;
-    if (!scopeReadPosition(ra, dec)) return false;
-    hor = ra * 15.0;
-    elv = dec;
-    return true;
 }
 
 std::string localTimeText() {

@@ -15,29 +15,18 @@
 #include "catalog/object_tables.h"
 #include "catalog/objects.h"
 #include "core/angle_text.h"
+#include "shell/api_json.h"
 #include "shell/app.h"
 #include "shell/cmd_planets.h"
 #include "shell/commands.h"
 
 namespace nocturnel {
 namespace {
-std::string constellationName(int number) {
-    const auto& list = constellations().constellations;
-    if (number < 0 || number >= static_cast<int>(list.size())) return {};
-    char name[sizeof list[number].name + 1] = {};
-    std::memcpy(name, list[number].name, sizeof list[number].name);
-    return name;
-}
-
 // Declinations carry their sign both ways ("+38°47'01", "-16°42'58").
 std::string declinationText(double decDeg) {
     const std::string text = toUtf8(degreesText(decDeg));
     return (text.empty() || text[0] == '-' || text[0] == '+') ? text : "+" + text;
 }
-
-// Magnitudes and sizes are stored as floats: three decimals keep all they hold without the
-// noise of widening them to double.
-double roundedValue(double value) { return std::round(value * 1000.0) / 1000.0; }
 
 std::string sizeText(const FoundObject& object) {
     if (object.majorArcmin <= 0) return {};
@@ -50,7 +39,7 @@ std::string sizeText(const FoundObject& object) {
 }
 
 void printObject(const FoundObject& object) {
-    const std::string constellation = constellationName(object.constellation);
+    const std::string constellation = constellationNameOf(object.constellation);
     const std::string size = sizeText(object);
     std::cout << object.name << "\n";
     if (!object.commonName.empty() && object.name.find(object.commonName) == std::string::npos)
@@ -69,24 +58,6 @@ void printObject(const FoundObject& object) {
     if (!constellation.empty()) std::cout << "Constellation: " << constellation << "\n";
 }
 
-void printJson(const FoundObject& object) {
-    const bool known = object.catalogCode >= 0 && object.catalogCode < kCatalogCount;
-    nlohmann::json j;
-    j["name"] = object.name;
-    j["commonName"] = object.commonName;
-    j["catalog"] = known ? kCatalogDefinitions[object.catalogCode].prefix : "";
-    j["catalogName"] = known ? kCatalogDefinitions[object.catalogCode].name : "";
-    j["number"] = object.number;
-    j["type"] = objectTypeName(object.typeCode);
-    j["ra"] = object.raHours;
-    j["dec"] = object.decDeg;
-    if (object.magKnown) j["mag"] = roundedValue(object.mag);
-    else j["mag"] = nullptr;
-    j["majorArcmin"] = roundedValue(object.majorArcmin);
-    j["minorArcmin"] = roundedValue(object.minorArcmin);
-    j["constellation"] = constellationName(object.constellation);
-    std::cout << j.dump(2) << "\n";
-}
 }  // namespace
 
 void registerFindCommand(CLI::App& app) {
@@ -118,7 +89,7 @@ void registerFindCommand(CLI::App& app) {
             setExitCode(1);
             return;
         }
-        if (globalOptions().json) printJson(object);
+        if (globalOptions().json) std::cout << foundObjectJson(object).dump(2) << "\n";
         else printObject(object);
     });
 }

@@ -6,6 +6,7 @@
 #include "core/angle_text.h"
 #include "core/time.h"
 #include "settings/preferences.h"
+#include "shell/api_json.h"
 #include "shell/app.h"
 #include "shell/commands.h"
 
@@ -27,12 +28,7 @@ void runNow() {
     const double year = decimalYear(m.year, m.month, m.day, m.hour, m.minute, m.second);
 
     if (globalOptions().json) {
-        const nlohmann::json out = {
-            {"year", m.year},     {"month", m.month},   {"day", m.day},           {"hour", m.hour},
-            {"minute", m.minute}, {"second", m.second}, {"utcOffsetMin", offset}, {"jd", jd},
-            {"deltaT", deltaT},   {"gmst0", gmst0},     {"lst", lst},             {"decimalYear", year},
-        };
-        std::cout << out.dump(2) << "\n";
+        std::cout << nowJson(p).dump(2) << "\n";
         return;
     }
     char line[160];

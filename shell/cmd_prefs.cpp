@@ -12,6 +12,8 @@
 #include "settings/preference_fields.h"
 #include "settings/preferences.h"
 #include "settings/text_encoding.h"
+#include "shell/api_json.h"
+#include "shell/api_prefs.h"
 #include "shell/app.h"
 #include "shell/commands.h"
 #include "shell/json_output.h"
@@ -143,14 +145,7 @@ void runShow(const std::string& name) {
     if (!name.empty()) return runShowOne(name);
     const Preferences& p = prefs();
     if (globalOptions().json) {
-        nlohmann::json out = nlohmann::json::object();
-        nlohmann::json labels = nlohmann::json::object();
-        for (const auto& f : preferenceFields()) {
-            out[std::string(f.name)] = fieldJson(p, f);
-            if (f.type == FieldType::Index) labels[std::string(f.name)] = toUtf8(preferenceText(p, f));
-        }
-        out["labels"] = labels;
-        std::cout << out.dump(2) << "\n";
+        std::cout << prefsJson(p).dump(2) << "\n";
         return;
     }
     for (const auto& f : preferenceFields()) printField(p, f);
@@ -212,7 +207,7 @@ void runSet(const SetArguments& args) {
     }
     const PreferenceField* f = field;
     if (globalOptions().json) {
-        std::cout << nlohmann::json{{std::string(f->name), fieldJson(prefs(), *f)}}.dump(2) << "\n";
+        std::cout << nlohmann::json{{std::string(f->name), preferenceFieldJson(prefs(), *f)}}.dump(2) << "\n";
         return;
     }
     printField(prefs(), *f);

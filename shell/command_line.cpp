@@ -33,6 +33,7 @@ void registerAllCommands(CLI::App& app) {
     registerSkyEventCommands(app);
     registerLogCommand(app);
     registerRoamCommands(app);
+    registerServeCommand(app);
 }
 
 bool jsonRequested(const std::vector<std::string>& words) {

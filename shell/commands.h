@@ -21,5 +21,6 @@ void registerSkyEventCommands(CLI::App& app);  // nocturnel twilight, moon, even
 void registerLogCommand(CLI::App& app);      // nocturnel log
 void registerRoamCommands(CLI::App& app);    // nocturnel roam, list, memo, usercat
 void registerListCommands(CLI::App& app);    // nocturnel list, memo, usercat (from registerRoamCommands)
+void registerServeCommand(CLI::App& app);    // nocturnel serve
 
 }  // namespace nocturnel

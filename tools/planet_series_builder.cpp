@@ -1,5 +1,6 @@
 #include "tools/planet_series_builder.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstring>
 #include <nlohmann/json.hpp>
@@ -43,7 +44,7 @@ bool addCoordinate(const nlohmann::json& powers, SeriesBody body, int coordinate
         return false;
     }
     for (const auto& [key, rows] : powers.items()) {
-        if (key.empty() || !std::isdigit(static_cast<unsigned char>(key[0])) || !rows.is_array()) {
+        if (key.empty() || key.size() > 1 || !std::isdigit(static_cast<unsigned char>(key[0])) || !rows.is_array()) {
             error = "bad power " + key;
             return false;
         }
@@ -142,7 +143,7 @@ bool buildPlanetSeriesBytes(const fs::path& dataFolder, std::string& bytes, std:
         }
     }
     const auto& w1 = doc["W1"];
-    if (!w1.is_array() || w1.size() != 5) {
+    if (!w1.is_array() || w1.size() != 5 || !std::all_of(w1.begin(), w1.end(), [](const auto& v) { return v.is_number(); })) {
         error = "elpMppDeFull.js: W1 is not five numbers";
         return false;
     }

@@ -5,9 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <filesystem>
+#include <unistd.h>
 
 #include "core/planet_series.h"
 #include "tools/builder_test_sources.h"
+#include "tools/record_io.h"
 
 namespace nocturnel {
 namespace {
@@ -63,6 +66,32 @@ TEST(PlanetSeriesBuilder, DamagedFilesAreRefusedWithAReason) {
         EXPECT_FALSE(error.empty()) << c.what;
     }
     EXPECT_FALSE(buildPlanetSeriesBytes(testing::testDataFolder() / "no-such-folder", bytes, error));
+}
+
+TEST(PlanetSeriesBuilder, MalformedSeriesAreRefusedNotThrown) {
+    namespace fs = std::filesystem;
+    const fs::path folder = fs::temp_directory_path() / ("nocturnel-planet-series-" + std::to_string(::getpid()));
+    struct Case {
+        const char* what;
+        const char* file;
+        const char* text;
+    } cases[] = {
+        {"power not a digit", "vsop87Bearth.js", "const m = {L: {\"99999999999999\": []}, B: {}, R: {}, type: \"B\"};"},
+        {"term of two numbers", "vsop87Bearth.js", "const m = {L: {\"0\": [[1, 2]]}, B: {}, R: {}, type: \"B\"};"},
+        {"text in a term", "vsop87Bearth.js", "const m = {L: {\"0\": [[1, \"x\", 3]]}, B: {}, R: {}, type: \"B\"};"},
+        {"not VSOP87B", "vsop87Bearth.js", "const m = {L: {}, B: {}, R: {}, type: \"D\"};"},
+        {"W1 of text", "elpMppDeFull.js", "const m = {W1: [\"a\", 1, 2, 3, 4], L: {}, B: {}, R: {}};"},
+        {"no object", "elpMppDeFull.js", "nothing"},
+    };
+    for (const Case& c : cases) {
+        fs::remove_all(folder);
+        fs::copy(testing::testDataFolder() / "astronomia/data", folder);
+        ASSERT_TRUE(writeWholeFile(folder / c.file, c.text));
+        std::string bytes, error;
+        EXPECT_FALSE(buildPlanetSeriesBytes(folder, bytes, error)) << c.what;
+        EXPECT_FALSE(error.empty()) << c.what;
+    }
+    fs::remove_all(folder);
 }
 
 }  // namespace

@@ -1,0 +1,67 @@
+#include "shell/api_chart.h"
+
+#include <cstdio>
+
+#include "chart/sky_frame.h"
+#include "core/time.h"
+
+namespace nocturnel {
+
+bool readChartQuery(ValueReader& r, ChartQuery& q) {
+    r.whole("zoom", 0, 12, q.zoom);
+    r.whole("width", kChartMinSide, kChartMaxSide, q.width);
+    r.whole("height", kChartMinSide, kChartMaxSide, q.height);
+    r.whole("mode", 0, 1, q.mode);
+    r.whole("rotate", -360, 360, q.rotate);
+    r.whole("night", 0, 3, q.night);
+    r.whole("scale", 1, 2, q.scale);
+    r.real("ra", 0, 24, q.ra);
+    r.real("dec", -90, 90, q.dec);
+    r.real("az", 0, 360, q.az);
+    r.real("alt", -90, 90, q.alt);
+    r.moment("time", q.time);
+    if (!r.ok()) return false;
+    if (q.ra.has_value() != q.dec.has_value()) r.refuse("Invalid view centre", "Give ra and dec together.");
+    else if (q.az.has_value() != q.alt.has_value()) r.refuse("Invalid view centre", "Give az and alt together.");
+    else if (q.ra && q.az) r.refuse("Invalid view centre", "Give ra/dec or az/alt, not both.");
+    return r.ok();
+}
+
+ChartRequest chartRequestFor(const ChartQuery& q, const Preferences& p) {
+    ChartRequest request;
+    const int scale = q.scale.value_or(1);
+    request.width = q.width.value_or(800) * scale;
+    request.height = q.height.value_or(800) * scale;
+    request.resolutionFactor = scale;
+    request.zoomLevel = q.zoom.value_or(p.chartZoomLevel);
+    request.projectionMode = q.mode.value_or(p.chartProjectionMode);
+    request.rotationDeg = q.rotate;
+    request.moment = q.time.value_or(p.moment);
+    if (q.az && q.alt) {
+        request.centreAzDeg = q.az;
+        request.centreAltDeg = q.alt;
+    } else if (q.ra && q.dec) {
+        // The page speaks J2000; the chart centres on the equator of date.
+        const ObservingMoment& m = request.moment;
+        const double jd = julianDateFromLocal(m.year, m.month, m.day, m.hour, m.minute, m.second, p.utcOffsetMin);
+        double raDate = 0, decDate = 0;
+        j2000ToDate(skyFrameForDate(jd), *q.ra, *q.dec, raDate, decDate);
+        request.centreRaHours = raDate;
+        request.centreDecDeg = decDate;
+    }
+    return request;
+}
+
+int nightModeFor(const ChartQuery& q, const Preferences& p) { return q.night.value_or(p.nightMode); }
+
+std::string chartQueryKey(const ChartRequest& r, int nightMode) {
+    char key[320];
+    const ObservingMoment& m = r.moment;
+    std::snprintf(key, sizeof key, "%dx%d@%d z%d m%d r%d n%d az%.9g alt%.9g ra%.9g dec%.9g %04d-%02d-%02dT%02d:%02d:%02d",
+                  r.width, r.height, r.resolutionFactor, r.zoomLevel, r.projectionMode, r.rotationDeg.value_or(9999),
+                  nightMode, r.centreAzDeg.value_or(-1), r.centreAltDeg.value_or(-99), r.centreRaHours.value_or(-1),
+                  r.centreDecDeg.value_or(-99), m.year, m.month, m.day, m.hour, m.minute, m.second);
+    return key;
+}
+
+}  // namespace nocturnel
