@@ -5,6 +5,7 @@
 #include <atomic>
 #include <iostream>
 #include <memory>
+#include <string>
 #include <thread>
 
 #include "chart/chart_render.h"
@@ -37,7 +38,8 @@ void runServe(const ServeOptions& options) {
             if (!server.bind()) {
                 setExitCode(1);
             } else {
-                std::cout << "Nocturnel's interface: open " << server.openUrl() << std::endl;
+                for (const std::string& url : server.openUrls())
+                    std::cout << "Nocturnel's interface: open " << url << std::endl;
                 std::cout << "Press Ctrl-C to stop." << std::endl;
                 std::atomic<bool> done{false};
                 std::thread watcher([&] {

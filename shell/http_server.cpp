@@ -1,6 +1,10 @@
 #include "shell/http_server.h"
 
 #include <httplib.h>
+#include <arpa/inet.h>
+#include <ifaddrs.h>
+#include <net/if.h>
+#include <netinet/in.h>
 #include <sys/socket.h>
 
 #include <array>
@@ -211,11 +215,33 @@ bool WebServer::bind() {
     return false;
 }
 
-std::string WebServer::openUrl() const {
-    const std::string host = options_.bind.find(':') != std::string::npos ? "[" + options_.bind + "]" : options_.bind;
-    std::string url = "http://" + host + ":" + std::to_string(port_) + "/";
-    if (!token_.empty()) url += "?token=" + token_;
+namespace {
+std::string urlFor(const std::string& address, int port, const std::string& token) {
+    const std::string host = address.find(':') != std::string::npos ? "[" + address + "]" : address;
+    std::string url = "http://" + host + ":" + std::to_string(port) + "/";
+    if (!token.empty()) url += "?token=" + token;
     return url;
+}
+}  // namespace
+
+std::string WebServer::openUrl() const { return urlFor(options_.bind, port_, token_); }
+
+std::vector<std::string> WebServer::openUrls() const {
+    std::vector<std::string> urls;
+    if (options_.bind == "0.0.0.0" || options_.bind == "::") {
+        ifaddrs* list = nullptr;
+        if (getifaddrs(&list) == 0) {
+            for (ifaddrs* a = list; a; a = a->ifa_next) {
+                if (!a->ifa_addr || a->ifa_addr->sa_family != AF_INET || (a->ifa_flags & IFF_LOOPBACK)) continue;
+                char text[INET_ADDRSTRLEN] = {};
+                const auto* in = reinterpret_cast<const sockaddr_in*>(a->ifa_addr);
+                if (inet_ntop(AF_INET, &in->sin_addr, text, sizeof text)) urls.push_back(urlFor(text, port_, token_));
+            }
+            freeifaddrs(list);
+        }
+    }
+    if (urls.empty()) urls.push_back(openUrl());
+    return urls;
 }
 
 void WebServer::listen() { server_->listen_after_bind(); }

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "shell/engine.h"
 
@@ -38,6 +39,9 @@ public:
     const std::string& token() const { return token_; }
     // The address to open in a browser (with ?token= when one is needed).
     std::string openUrl() const;
+    // Bound to every address (0.0.0.0, ::): the same for each IPv4 address of this machine's
+    // network interfaces, the ones a phone on the network can reach; else just openUrl().
+    std::vector<std::string> openUrls() const;
     // Serves until stop() (blocking).
     void listen();
     void stop();

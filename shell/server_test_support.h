@@ -12,6 +12,7 @@
 #include <thread>
 
 #include "catalog/catalogues.h"
+#include "chart/chart_render.h"
 #include "chart/sky_objects.h"
 #include "settings/preferences.h"
 #include "settings/program_folder.h"
@@ -50,6 +51,7 @@ public:
         engine_.run([] {
             closeCatalogues();
             forgetChartCatalogues();
+            releaseChartFonts();
         });
     }
     bool ready() const { return started_ && bound_; }
