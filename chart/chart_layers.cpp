@@ -195,16 +195,18 @@ void skyPath(const LayerContext& ctx) {
 }  // namespace
 
 void drawBackground(const LayerContext& ctx) {
-    setColour(ctx.cr, ctx.palette.ground);
-    cairo_paint(ctx.cr);
     setColour(ctx.cr, ctx.palette.sky);
-    skyPath(ctx);
-    cairo_fill(ctx.cr);
+    cairo_paint(ctx.cr);
 }
 
-void clipToSky(const LayerContext& ctx) {
+void drawGround(const LayerContext& ctx) {
+    cairo_save(ctx.cr);
+    cairo_set_fill_rule(ctx.cr, CAIRO_FILL_RULE_EVEN_ODD);
     skyPath(ctx);
-    cairo_clip(ctx.cr);
+    cairo_rectangle(ctx.cr, -2, -2, ctx.view.width + 4, ctx.view.height + 4);
+    setColour(ctx.cr, ctx.palette.ground);
+    cairo_fill(ctx.cr);
+    cairo_restore(ctx.cr);
 }
 
 void drawAltAzGrid(const LayerContext& ctx) {

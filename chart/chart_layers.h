@@ -51,9 +51,10 @@ struct LayerContext {
 // A label placed right of (x, y) when the grid has room; true when drawn.
 bool placeLabel(const LayerContext& ctx, const std::string& text, double x, double y, const Rgb3& colour);
 
+// The sky colour over the whole chart, and then (after the layers that lie on the sky's
+// background, such as the Milky Way) the ground below the horizon.
 void drawBackground(const LayerContext& ctx);
-// Restricts drawing to the sky (inside the horizon circle, or above the panorama's horizon).
-void clipToSky(const LayerContext& ctx);
+void drawGround(const LayerContext& ctx);
 void drawAltAzGrid(const LayerContext& ctx);
 void drawEcliptic(const LayerContext& ctx, double jdUt);
 void drawConstellationLines(const LayerContext& ctx);

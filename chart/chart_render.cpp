@@ -103,6 +103,7 @@ ChartSurface renderChart(const ChartRequest& request, ChartResult& result) {
     // Layers, bottom to top.
     drawBackground(ctx);
     drawMilkyWay(ctx, p.nightMode != 0);
+    drawGround(ctx);
     if (box(kBoxAltAzGrid) && !box(kBoxHideGrid)) drawAltAzGrid(ctx);
     if (box(kBoxEcliptic)) drawEcliptic(ctx, result.jdUt);
     if (box(kBoxConstLines)) drawConstellationLines(ctx);

@@ -78,7 +78,9 @@ void drawMilkyWay(const LayerContext& ctx, bool nightMode) {
     const double period = view.projectionMode != 0 ? chartPeriodPixels(view) : 0;
     cairo_t* cr = ctx.cr;
     cairo_save(cr);
-    clipToSky(ctx);
+    // A soft band: its edges need no anti-aliasing; the ground drawn next covers what lies
+    // below the horizon.
+    cairo_set_antialias(cr, CAIRO_ANTIALIAS_FAST);
     cairo_set_fill_rule(cr, CAIRO_FILL_RULE_EVEN_ODD);
     const Rgb3& colour = ctx.palette.milkyWay;
     const double alpha = nightMode ? 0.05 : 0.09;  // per level; the levels add up towards the core

@@ -1,7 +1,7 @@
 #pragma once
 // The Milky Way as a soft band under every other layer: its five brightness levels filled one
-// over the other with a faint, translucent colour, only where the sky is (not on the ground),
-// dimmer in night mode. The outline is read once from data/nocturnel_milkyway.ppc and kept.
+// over the other with a faint, translucent colour (drawn before the ground, which covers what
+// lies below the horizon), dimmer in night mode. The outline is read once from data/nocturnel_milkyway.ppc and kept.
 #include "chart/chart_layers.h"
 
 namespace nocturnel {

@@ -100,8 +100,9 @@ struct Preferences {
     int32_t background = 0;        // 0 "Black", 1 "Dark Blue", 2 "White"
     int32_t lineColor = 0;         // 0 "Blue", 1 "Gray", 2 "Black"
     int32_t starsChoice = 0;       // 0 "Only Constellation", 1 "Only default stars"
-    int32_t cardCatalog = 4;       // star catalogue level: 0 "No expansion card", 1 "Hipparchos 16K" .. 6 "Tycho 2.5 Million";
-                                   // the catalogue builder always makes the Hipparcos files, so a fresh record uses 4 "Hipparchos 110K"
+    int32_t cardCatalog = 5;       // star catalogue level: 0 "No expansion card", 1 "Hipparchos 16K" .. 6 "Tycho 2.5 Million";
+                                   // the catalogue builder makes the Hipparcos files and the Tycho 390K card (from Stellarium's
+                                   // star catalogue), so a fresh record uses 5 "Tycho 390K"
     int32_t constLines = 0;        // 0 "Classic", 1 "Rey Lines"
     int32_t eyepieceIndex = 0;
     int32_t chartType = 0;         // 0 "Sky Map" .. 4 "Equatorial Sky"
