@@ -104,23 +104,23 @@ public:
     IndiServer& operator=(const IndiServer&) = delete;
 
     // "device.property.element" -> its value; empty when the server does not know it (yet).
-    std::string get(const std::string& spec) const {
-        std::string out = commandOutput("indi_getprop -p " + std::to_string(port_) + " -t 1 " + quoted(spec));
+    std::string get(const std::string& property) const {
+        std::string out = commandOutput("indi_getprop -p " + std::to_string(port_) + " -t 1 " + quoted(property));
         const std::size_t equals = out.find('=');
         if (equals == std::string::npos) return {};
         std::string value = out.substr(equals + 1);
         while (!value.empty() && (value.back() == '\n' || value.back() == '\r')) value.pop_back();
         return value;
     }
-    void set(const std::string& spec) const {
-        commandOutput("indi_setprop -p " + std::to_string(port_) + " -t 2 " + quoted(spec));
+    void set(const std::string& property) const {
+        commandOutput("indi_setprop -p " + std::to_string(port_) + " -t 2 " + quoted(property));
     }
     // Polls until the element has the value the predicate wants, at most `limit`.
     template <typename Wanted>
-    bool waitFor(const std::string& spec, Wanted wanted, std::chrono::milliseconds limit = 8000ms) const {
+    bool waitFor(const std::string& property, Wanted wanted, std::chrono::milliseconds limit = 8000ms) const {
         const auto end = std::chrono::steady_clock::now() + limit;
         while (std::chrono::steady_clock::now() < end) {
-            if (wanted(get(spec))) return true;
+            if (wanted(get(property))) return true;
             std::this_thread::sleep_for(200ms);
         }
         return false;
