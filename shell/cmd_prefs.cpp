@@ -86,8 +86,12 @@ void runSet(const SetArguments& args) {
             return;
         }
         value = *latin1;
+    } else {
+        // Numbers and list labels ("10°") are matched and quoted in Latin-1, like the lists.
+        value = utf8ToLatin1ForMessage(value);
     }
-    if (!updatePrefsForCommand([&](Preferences& saved) { return setPreferenceField(saved, args.name, value); }))
+    const std::string name = utf8ToLatin1ForMessage(args.name);  // quoted by "Unknown preference"
+    if (!updatePrefsForCommand([&](Preferences& saved) { return setPreferenceField(saved, name, value); }))
         return;
     const PreferenceField* f = findPreferenceField(args.name);
     if (globalOptions().json) {

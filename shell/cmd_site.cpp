@@ -71,7 +71,7 @@ std::optional<double> readAngle(const std::string& text, double limit, const cha
     if (!v || std::fabs(*v) > limit) {
         char range[64];
         std::snprintf(range, sizeof range, "The %s must be between %g and %g degrees.", what, -limit, limit);
-        showMessage("Invalid " + std::string(what) + " \"" + text + "\"", range);
+        showMessage("Invalid " + std::string(what) + " \"" + utf8ToLatin1ForMessage(text) + "\"", range);
         return std::nullopt;
     }
     return v;
@@ -91,18 +91,18 @@ void runSet(const SiteArguments& a) {
     // The Location page's rules: offset -1439..1439 (6 characters), height 0..31999 (6 characters).
     long offset = 0, height = 0;
     if (!readIntegerField(a.utcOffset, kUtcOffsetChars, offset) || offset < -1439 || offset > 1439) {
-        showMessage("Invalid UT offset \"" + a.utcOffset + "\"", "The offset must be between -1439 and 1439 minutes.");
+        showMessage("Invalid UT offset \"" + utf8ToLatin1ForMessage(a.utcOffset) + "\"", "The offset must be between -1439 and 1439 minutes.");
         setExitCode(1);
         return;
     }
     if (!a.height.empty() && (!readIntegerField(a.height, kHeightChars, height) || height < 0 || height > 31999)) {
-        showMessage("Invalid height \"" + a.height + "\"", "The height must be between 0 and 31999 metres.");
+        showMessage("Invalid height \"" + utf8ToLatin1ForMessage(a.height) + "\"", "The height must be between 0 and 31999 metres.");
         setExitCode(1);
         return;
     }
     const auto name = utf8ToLatin1(a.name);
     if (!name || name->size() > kLocationNameChars - 1) {
-        showMessage("Invalid site name \"" + a.name + "\"", "A site name has at most 11 Latin-1 characters.");
+        showMessage("Invalid site name \"" + utf8ToLatin1ForMessage(a.name) + "\"", "A site name has at most 11 Latin-1 characters.");
         setExitCode(1);
         return;
     }
