@@ -92,6 +92,10 @@ bool writeFileAtomically(const fs::path& path, std::string_view bytes, std::stri
     {
         Descriptor fd(::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY, 0644));
         if (fd.get() < 0) return fail(path, errno);
+        // The new file keeps the permissions of the one it replaces.
+        struct stat old {};
+        if (::stat(path.c_str(), &old) == 0 && S_ISREG(old.st_mode) && ::fchmod(fd.get(), old.st_mode & 07777) != 0)
+            return fail(path, errno);
         if (!writeAll(fd.get(), bytes)) return fail(path, errno);
         if (::fsync(fd.get()) != 0) return fail(path, errno);
         if (!fd.close()) return fail(path, errno);
