@@ -14,6 +14,7 @@
 #include "catalog/object_tables.h"
 #include "catalog/objects.h"
 #include "core/angle_text.h"
+#include "settings/text_encoding.h"
 #include "shell/app.h"
 #include "shell/commands.h"
 
@@ -50,7 +51,7 @@ std::string sizeText(const FoundObject& object) {
 void printObject(const FoundObject& object) {
     const std::string constellation = constellationName(object.constellation);
     const std::string size = sizeText(object);
-    std::cout << object.name << "\n";
+    std::cout << toUtf8(object.name) << "\n";
     std::cout << "Type:          " << objectTypeName(object.typeCode) << "\n";
     std::cout << "RA (J2000):    " << toUtf8(hoursText(object.raHours)) << "\n";
     std::cout << "Dec (J2000):   " << declinationText(object.decDeg) << "\n";
@@ -68,7 +69,7 @@ void printObject(const FoundObject& object) {
 void printJson(const FoundObject& object) {
     const bool known = object.catalogCode >= 0 && object.catalogCode < kCatalogCount;
     nlohmann::json j;
-    j["name"] = object.name;
+    j["name"] = toUtf8(object.name);
     j["catalog"] = known ? kCatalogDefinitions[object.catalogCode].prefix : "";
     j["catalogName"] = known ? kCatalogDefinitions[object.catalogCode].name : "";
     j["number"] = object.number;
@@ -96,6 +97,7 @@ void registerFindCommand(CLI::App& app) {
         }
         std::string name;
         for (const std::string& word : *words) name += (name.empty() ? "" : " ") + word;
+        name = utf8ToLatin1ForMessage(name);  // typed UTF-8 to the catalogues' Latin-1, once
         FoundObject object;
         if (!findObjectByName(name, object)) {
             setExitCode(1);
