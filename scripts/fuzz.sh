@@ -15,13 +15,13 @@ cmake --build "$build" -j "${NOCTURNEL_JOBS:-2}"
 
 targets=("$@")
 if [ ${#targets[@]} -eq 0 ]; then
-  targets=($(cd "$build" && ls fuzz_* | sed 's/^fuzz_//'))
+  targets=($(cd "$build" && find . -maxdepth 1 -type f -executable -name 'fuzz_*' | sed 's|^\./fuzz_||' | sort))
 fi
-mkdir -p "$build/crashes"
+mkdir -p "$build/crashes" "$build/logs"
 failed=0
 for t in "${targets[@]}"; do
   mkdir -p "$build/corpus/$t"
-  log="$build/fuzz_$t.log"
+  log="$build/logs/$t.log"
   if "$build/fuzz_$t" -max_total_time="$seconds" -rss_limit_mb=2048 -print_final_stats=1 \
        -artifact_prefix="$build/crashes/${t}-" "$build/corpus/$t" "$root/fuzz/corpus/$t" >"$log" 2>&1; then
     result=ok

@@ -92,6 +92,10 @@ bool writeFileAtomically(const fs::path& path, std::string_view bytes, std::stri
     {
         Descriptor fd(::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY, 0644));
         if (fd.get() < 0) return fail(path, errno);
+        // The new file keeps the permissions of the one it replaces.
+        struct stat old {};
+        if (::stat(path.c_str(), &old) == 0 && S_ISREG(old.st_mode) && ::fchmod(fd.get(), old.st_mode & 07777) != 0)
+            return fail(path, errno);
         if (!writeAll(fd.get(), bytes)) return fail(path, errno);
         if (::fsync(fd.get()) != 0) return fail(path, errno);
         if (!fd.close()) return fail(path, errno);
@@ -147,30 +151,34 @@ bool replaceRecordFile(const fs::path& path, std::string_view bytes, std::string
 }
 
 bool writeOutputFile(const fs::path& named, std::string_view bytes, std::string_view failureTitle) {
-    fs::path path = named;
     struct stat info {};
-    if (::lstat(path.c_str(), &info) == 0 && S_ISLNK(info.st_mode)) {
-        // Replace the file the link leads to, not the link.
-        std::error_code ec;
-        const fs::path target = fs::weakly_canonical(path, ec);
-        if (ec) {
-            showMessage(failureTitle, reason(path, ec.value()));
-            return false;
-        }
-        path = target;
-    }
-    if (::stat(path.c_str(), &info) == 0 && !S_ISREG(info.st_mode)) {
+    const std::string text = named.string();
+    // /dev/stdout and /proc/self/fd/N stand for an open file that must be written, not replaced.
+    const bool standsForOpenFile = text.rfind("/dev/", 0) == 0 || text.rfind("/proc/", 0) == 0;
+    if (::stat(named.c_str(), &info) == 0 && (!S_ISREG(info.st_mode) || standsForOpenFile)) {
         if (S_ISDIR(info.st_mode)) {
-            showMessage(failureTitle, path.string() + " is a folder.");
+            showMessage(failureTitle, named.string() + " is a folder.");
             return false;
         }
-        // A device or FIFO: written in place, without waiting for a reader.
-        Descriptor fd(::open(path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
-        if (fd.get() < 0 || !writeAll(fd.get(), bytes) || !fd.close()) {
-            showMessage(failureTitle, reason(path, errno));
+        // A device, a FIFO or an open file (/dev/stdout, /dev/full): written in place. The open does not wait
+        // for a reader (a FIFO nobody reads fails at once); once a reader is there, writes may.
+        Descriptor fd(::open(named.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+        const bool opened = fd.get() >= 0 && ::fcntl(fd.get(), F_SETFL, 0) == 0;
+        if (!opened || !writeAll(fd.get(), bytes) || !fd.close()) {
+            showMessage(failureTitle, reason(named, errno));
             return false;
         }
         return true;
+    }
+    fs::path path = named;
+    if (::lstat(named.c_str(), &info) == 0 && S_ISLNK(info.st_mode)) {
+        // A link to a file: the file is replaced, the link stays.
+        std::error_code ec;
+        path = fs::weakly_canonical(named, ec);
+        if (ec) {
+            showMessage(failureTitle, reason(named, ec.value()));
+            return false;
+        }
     }
     return replaceAtomically(path, bytes, failureTitle);
 }

@@ -38,8 +38,9 @@ bool writeFileAtomically(const std::filesystem::path& path, std::string_view byt
 bool replaceRecordFile(const std::filesystem::path& path, std::string_view bytes, std::string_view failureTitle);
 
 // Writes an output the user named (report, chart image, catalogue). A regular or missing
-// target is replaced atomically (a link is followed to its file); a device or FIFO the user
-// named (/dev/stdout, /dev/full) is written directly, every call checked; a folder is refused.
+// target is replaced atomically (a link is followed to its file); a device, a FIFO or a path
+// under /dev or /proc (/dev/stdout, /dev/full) is written directly, every call checked; a
+// folder is refused.
 bool writeOutputFile(const std::filesystem::path& path, std::string_view bytes, std::string_view failureTitle);
 
 // The name a damaged record is kept under: "<name>.damaged-YYYYMMDD-HHMMSS" (local time),

@@ -52,6 +52,10 @@ TEST_F(AtomicFile, RecordIsReplacedWholeAndNothingIsLeftBeside) {
     EXPECT_EQ(bytes, "seco") << "at most maxBytes + 1 bytes are read";
     EXPECT_EQ(readRecordFile(folder_ / "none", 100, bytes), RecordRead::Missing);
     EXPECT_TRUE(capture.messages().empty());
+    // A private file stays private when replaced.
+    fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
+    ASSERT_TRUE(replaceRecordFile(file, "third", "Can't save"));
+    EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
 // A FIFO (no writer: a blocking open would hang), a folder, a link to a file outside the folder

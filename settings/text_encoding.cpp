@@ -40,4 +40,25 @@ std::optional<std::string> utf8ToLatin1(std::string_view utf8) {
     return out;
 }
 
+std::string utf8ToLatin1ForMessage(std::string_view utf8) {
+    std::string out;
+    out.reserve(utf8.size());
+    for (std::size_t i = 0; i < utf8.size();) {
+        const auto c = static_cast<unsigned char>(utf8[i]);
+        std::size_t length = c < 0x80 ? 1 : (c & 0xE0) == 0xC0 ? 2 : (c & 0xF0) == 0xE0 ? 3 : (c & 0xF8) == 0xF0 ? 4 : 0;
+        bool whole = length > 0 && i + length <= utf8.size();
+        for (std::size_t k = 1; whole && k < length; ++k)
+            whole = (static_cast<unsigned char>(utf8[i + k]) & 0xC0) == 0x80;
+        if (!whole) {
+            out.push_back('?');
+            ++i;
+            continue;
+        }
+        const auto latin1 = utf8ToLatin1(utf8.substr(i, length));
+        out += latin1 ? *latin1 : std::string("?");
+        i += length;
+    }
+    return out;
+}
+
 }  // namespace nocturnel

@@ -60,10 +60,10 @@ std::string constellationNameOf(int number) {
 nlohmann::json foundObjectJson(const FoundObject& object) {
     const bool known = object.catalogCode >= 0 && object.catalogCode < kCatalogCount;
     nlohmann::json j;
-    j["name"] = object.name;
+    j["name"] = toUtf8(object.name);
     j["catalog"] = known ? kCatalogDefinitions[object.catalogCode].prefix : "";
     j["catalogName"] = known ? kCatalogDefinitions[object.catalogCode].name : "";
-    j["commonName"] = object.commonName;
+    j["commonName"] = toUtf8(object.commonName);
     j["number"] = object.number;
     j["type"] = objectTypeName(object.typeCode);
     j["ra"] = object.raHours;

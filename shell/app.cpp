@@ -8,6 +8,7 @@
 #include "settings/message.h"
 #include "settings/preferences_file.h"
 #include "settings/program_folder.h"
+#include "settings/text_encoding.h"
 
 namespace nocturnel {
 
@@ -99,11 +100,11 @@ bool startUp() {
 
     ObservingMoment moment = record.moment;  // the machine clock, local civil time at the site
     if (!options.date.empty() && !readDateOption(options.date, moment)) {
-        showMessage("Invalid date \"" + options.date + "\"", "Use --date YYYY-MM-DD, for example 2024-03-21.");
+        showMessage("Invalid date \"" + utf8ToLatin1ForMessage(options.date) + "\"", "Use --date YYYY-MM-DD, for example 2024-03-21.");
         return false;
     }
     if (!options.time.empty() && !readTimeOption(options.time, moment)) {
-        showMessage("Invalid time \"" + options.time + "\"", "Use --time HH:MM or HH:MM:SS, for example 21:30.");
+        showMessage("Invalid time \"" + utf8ToLatin1ForMessage(options.time) + "\"", "Use --time HH:MM or HH:MM:SS, for example 21:30.");
         return false;
     }
     record.moment = moment;

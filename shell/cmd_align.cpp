@@ -20,6 +20,7 @@
 #include "scope/serial_link.h"
 #include "settings/message.h"
 #include "settings/program_folder.h"
+#include "settings/text_encoding.h"
 #include "shell/app.h"
 #include "shell/commands.h"
 #include "shell/drive_options.h"
@@ -63,7 +64,13 @@ bool splitStar(const std::string& text, AlignmentFormStar& star, int number) {
         showMessage("Fail to compute align matrix", "A star is NAME,TIME,RA,DEC,HOR,ELV");
         return false;
     }
-    star = {fields[0], fields[1], fields[2], fields[3], fields[4], fields[5]};
+    // The name is kept in the record and the report in Latin-1, converted once here.
+    const auto name = utf8ToLatin1(fields[0]);
+    if (!name) {
+        showMessage("Fail to compute align matrix", "A star name holds only Latin-1 characters.");
+        return false;
+    }
+    star = {*name, fields[1], fields[2], fields[3], fields[4], fields[5]};
     return checkFormStar(star, number);
 }
 

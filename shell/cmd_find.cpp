@@ -16,6 +16,7 @@
 #include "catalog/objects.h"
 #include "core/angle_text.h"
 #include "shell/api_json.h"
+#include "settings/text_encoding.h"
 #include "shell/app.h"
 #include "shell/cmd_planets.h"
 #include "shell/commands.h"
@@ -41,9 +42,9 @@ std::string sizeText(const FoundObject& object) {
 void printObject(const FoundObject& object) {
     const std::string constellation = constellationNameOf(object.constellation);
     const std::string size = sizeText(object);
-    std::cout << object.name << "\n";
+    std::cout << toUtf8(object.name) << "\n";
     if (!object.commonName.empty() && object.name.find(object.commonName) == std::string::npos)
-        std::cout << "Name:          " << object.commonName << "\n";
+        std::cout << "Name:          " << toUtf8(object.commonName) << "\n";
     std::cout << "Type:          " << objectTypeName(object.typeCode) << "\n";
     std::cout << "RA (J2000):    " << toUtf8(hoursText(object.raHours)) << "\n";
     std::cout << "Dec (J2000):   " << declinationText(object.decDeg) << "\n";
@@ -83,6 +84,7 @@ void registerFindCommand(CLI::App& app) {
         }
         std::string name;
         for (const std::string& word : *words) name += (name.empty() ? "" : " ") + word;
+        name = utf8ToLatin1ForMessage(name);  // typed UTF-8 to the catalogues' Latin-1, once
         if (findAndPrintSolarSystemBody(name)) return;
         FoundObject object;
         if (!findObjectByName(name, object)) {

@@ -194,6 +194,9 @@ void runSet(const SetArguments& args) {
             return;
         }
         value = *latin1;
+    } else {
+        // Numbers and list labels ("10°") are matched and quoted in Latin-1, like the lists.
+        value = utf8ToLatin1ForMessage(value);
     }
     bool refused = false;
     if (!updatePrefsForCommand([&](Preferences& saved) {

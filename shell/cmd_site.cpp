@@ -82,7 +82,7 @@ void printSite(const Preferences& p) {
 std::optional<double> readLatitude(const std::string& text) {
     const auto v = readLatitudeText(text);
     if (!v)
-        showMessage("Invalid latitude \"" + text + "\"",
+        showMessage("Invalid latitude \"" + utf8ToLatin1ForMessage(text) + "\"",
                     "Give degrees from 90 S to 90 N: 31.96N, 31:57:30 N, or a bare number positive north.");
     return v;
 }
@@ -90,7 +90,7 @@ std::optional<double> readLatitude(const std::string& text) {
 std::optional<double> readLongitude(const std::string& text) {
     const auto v = readLongitudeText(text);
     if (!v)
-        showMessage("Invalid longitude \"" + text + "\"",
+        showMessage("Invalid longitude \"" + utf8ToLatin1ForMessage(text) + "\"",
                     "Give degrees from 180 E to 180 W: 111.6W, 111:36:00 W, 2.35E, or a bare number positive WEST.");
     return v;
 }
@@ -116,18 +116,18 @@ void runSet(const SiteArguments& a) {
     // The Location page's rules: offset -1439..1439 (6 characters), height 0..31999 (6 characters).
     long offset = 0, height = 0;
     if (!readIntegerField(a.utcOffset, kUtcOffsetChars, offset) || offset < -1439 || offset > 1439) {
-        showMessage("Invalid UT offset \"" + a.utcOffset + "\"", "The offset must be between -1439 and 1439 minutes.");
+        showMessage("Invalid UT offset \"" + utf8ToLatin1ForMessage(a.utcOffset) + "\"", "The offset must be between -1439 and 1439 minutes.");
         setExitCode(1);
         return;
     }
     if (!a.height.empty() && (!readIntegerField(a.height, kHeightChars, height) || height < 0 || height > 31999)) {
-        showMessage("Invalid height \"" + a.height + "\"", "The height must be between 0 and 31999 metres.");
+        showMessage("Invalid height \"" + utf8ToLatin1ForMessage(a.height) + "\"", "The height must be between 0 and 31999 metres.");
         setExitCode(1);
         return;
     }
     const auto name = utf8ToLatin1(a.name);
     if (!name || name->size() > kLocationNameChars - 1) {
-        showMessage("Invalid site name \"" + a.name + "\"", "A site name has at most 11 Latin-1 characters.");
+        showMessage("Invalid site name \"" + utf8ToLatin1ForMessage(a.name) + "\"", "A site name has at most 11 Latin-1 characters.");
         setExitCode(1);
         return;
     }
