@@ -62,7 +62,12 @@ bool saveObserverLog(ObserverLog log, int selectedIndex) {
     const std::vector<LogEntry> before = listObserverLogs();
     log.magic = kObserverLogMagic;
     const auto bytes = encodeObserverLog(log);
-    if (!replaceFileContents(path, std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()))) {
+    // A damaged log in the way is kept aside, never overwritten without a copy.
+    const auto damaged = [](const fs::path& p) {
+        ObserverLog old;
+        return readObserverLogFile(p, old) != LogReadStatus::kOk;
+    };
+    if (!replaceFileContents(path, std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()), damaged)) {
         showMessage("Fail to write log file.", path.string());
         return false;
     }

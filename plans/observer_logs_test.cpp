@@ -114,6 +114,22 @@ TEST_F(ObserverLogsTest, AFailedWriteReportsAndKeepsWhatWasThere) {
         EXPECT_EQ(e.path().filename(), "M 13.log") << "no temporary file is left";
 }
 
+TEST_F(ObserverLogsTest, ADamagedLogIsKeptAsideBeforeItIsReplaced) {
+    fs::create_directories(logsDir());
+    writeFile(logsDir() / "M 13.log", "damaged bytes");
+    ASSERT_TRUE(saveObserverLog(logOf("M 13", "new"), -1));
+    int kept = 0;
+    for (const fs::directory_entry& e : fs::directory_iterator(logsDir()))
+        if (e.path().filename().string().starts_with("M 13.log.damaged-")) {
+            ++kept;
+            EXPECT_EQ(readFile(e.path()), "damaged bytes");
+        }
+    EXPECT_EQ(kept, 1);
+    ObserverLog back;
+    ASSERT_TRUE(openObserverLogNamed("M 13", back));
+    EXPECT_EQ(back.text, "new");
+}
+
 TEST_F(ObserverLogsTest, DeleteRemovesOnlyTheSelectedLog) {
     ASSERT_TRUE(saveObserverLog(logOf("A"), -1));
     ASSERT_TRUE(saveObserverLog(logOf("B"), -1));

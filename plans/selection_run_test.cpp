@@ -140,6 +140,7 @@ TEST_F(SelectionRunTest, AVisibleSelectionMatchesAnIndependentComputation) {
     std::set<int> selected;
     for (const ObjectReference& o : list.items) selected.insert(o.number);
     std::set<int> expected, borderline;
+    ASSERT_NE(objectSlot().file, nullptr) << "the deep-sky file is open after the run";
     const int count = static_cast<int>(objectSlot().file->recordCount & 0xFFFF);
     for (int i = 0; i < count; ++i) {
         ObjectRecord o;

@@ -1,5 +1,7 @@
 #include "plans/user_lists.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -101,7 +103,12 @@ bool saveUserList(std::string_view nameLatin1, const SelectionList& list, const 
     fs::create_directories(userListsFolder(), ec);
     std::string_view name = nameLatin1;
     if (name.ends_with(".lst")) name.remove_suffix(4);
-    if (!replaceFileContents(*path, listFileBytes(name, criteria, list))) {
+    // A list file whose header cannot be read is kept aside before it is replaced.
+    const auto damaged = [](const fs::path& p) {
+        const auto old = readRegularFile(p, kListHeaderSize);
+        return !old || old->size() < kListHeaderSize;
+    };
+    if (!replaceFileContents(*path, listFileBytes(name, criteria, list), damaged)) {
         showMessage("Can't write header.", path->string());
         return false;
     }
@@ -236,10 +243,12 @@ bool exportMemo(std::string_view text, const ObservingMoment& now, fs::path* wri
     std::error_code ec;
     fs::create_directories(userListsFolder(), ec);
     const fs::path path = userListsFolder() / memoFileName(now);
-    WriteStep failed = WriteStep::kNone;
-    if (!replaceFileContents(path, text, &failed)) {
-        if (failed == WriteStep::kWrite) showMessage("Error while exporting memo.", path.string());
-        else showMessage("Can't open memo:", path.string());
+    if (::access(userListsFolder().c_str(), W_OK) != 0) {
+        showMessage("Can't open memo:", path.string());
+        return false;
+    }
+    if (!replaceFileContents(path, text)) {
+        showMessage("Error while exporting memo.", path.string());
         return false;
     }
     if (written) *written = path;
