@@ -106,6 +106,10 @@ int computeAlignmentFromForm(const AlignmentForm& form, double nowJdUt) {
         saved.savedEncoderAzOffset = p.savedEncoderAzOffset;
         saved.hasSavedAlignment = p.hasSavedAlignment;
         saved.alignmentJd = p.alignmentJd;
+        // The matrix belongs to the drive it was made with (a run's --drive/--port included).
+        saved.scopeDrive = p.scopeDrive;
+        saved.scopePort = p.scopePort;
+        std::memcpy(saved.scopeDevice, p.scopeDevice, sizeof saved.scopeDevice);
         return true;
     });
     return 1;

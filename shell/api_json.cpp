@@ -1,5 +1,7 @@
 #include "shell/api_json.h"
 
+#include "shell/json_output.h"
+
 #include <cmath>
 #include <cstring>
 
@@ -34,7 +36,7 @@ nlohmann::json nowJson(const Preferences& p) {
 nlohmann::json preferenceFieldJson(const Preferences& p, const PreferenceField& f) {
     if (f.type == FieldType::Text) return toUtf8(preferenceText(p, f));
     const double v = preferenceNumber(p, f);
-    if (f.type == FieldType::Real) return v;
+    if (f.type == FieldType::Real) return jsonNumberOfField(v);  // the digits the record holds
     return static_cast<long long>(v);
 }
 

@@ -28,12 +28,7 @@ struct SetArguments {
     std::string value;
 };
 
-nlohmann::json fieldJson(const Preferences& p, const PreferenceField& f) {
-    if (f.type == FieldType::Text) return toUtf8(preferenceText(p, f));
-    const double v = preferenceNumber(p, f);
-    if (f.type == FieldType::Real) return jsonNumberOfField(v);
-    return static_cast<long long>(v);
-}
+nlohmann::json fieldJson(const Preferences& p, const PreferenceField& f) { return preferenceFieldJson(p, f); }
 
 // The field of a name or of a box label ("Const. Names"); message and nullptr when unknown.
 const PreferenceField* fieldNamed(const std::string& nameOrLabel) {

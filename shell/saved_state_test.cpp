@@ -80,6 +80,9 @@ TEST_F(SavedState, TypedTextInAMessageIsNotConvertedTwice) {
 }
 
 TEST_F(SavedState, AlignmentReportToAFullDeviceFails) {
+    // A report needs an alignment first.
+    ASSERT_EQ(run({"align", "--star1", "Vega,21:00:00,18:36:56,38:47:01,18:40:00,39:00:00", "--star2",
+                   "Deneb,21:10:00,20:41:26,45:16:49,20:44:00,45:30:00"}).exit, 0);
     const CliRun r = run({"align", "report", "-o", "/dev/full"});
     EXPECT_EQ(r.exit, 1);
     EXPECT_TRUE(r.shown("Can't write the alignment report")) << r.titles();
@@ -95,7 +98,7 @@ TEST_F(SavedState, AlignmentReportToAFullDeviceFails) {
 TEST_F(SavedState, ADamagedPreferencesFileIsKeptWhenACommandSaves) {
     ASSERT_EQ(run(kSite).exit, 0);
     std::ofstream(home_ / kPreferencesFileName, std::ios::binary | std::ios::trunc) << "damaged";
-    const CliRun r = run({"prefs", "set", "scopePort", "2"});
+    const CliRun r = run({"prefs", "set", "timeStep", "2"});
     ASSERT_EQ(r.exit, 0) << r.titles();
     EXPECT_TRUE(r.shown("The damaged preferences file was set aside")) << r.titles();
     int kept = 0;
