@@ -1,5 +1,7 @@
 #include "tools/deep_star_card.h"
 
+#include <cmath>
+
 #include <algorithm>
 
 #include "tools/record_io.h"
@@ -44,8 +46,10 @@ bool buildDeepStarCard(const std::vector<std::filesystem::path>& files, size_t k
         error = "no stars";
         return false;
     }
+    // A magnitude that is not a number sorts last, so the order stays a strict weak ordering.
+    const auto key = [](const StellariumStar& s) { return std::isnan(s.mag) ? HUGE_VALF : static_cast<float>(s.mag); };
     std::stable_sort(stars.begin(), stars.end(),
-                     [](const StellariumStar& a, const StellariumStar& b) { return a.mag < b.mag; });
+                     [&key](const StellariumStar& a, const StellariumStar& b) { return key(a) < key(b); });
     stars.resize(std::min(stars.size(), keep));
     std::vector<StarToPack> packed;
     packed.reserve(stars.size());
