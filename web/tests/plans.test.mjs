@@ -84,6 +84,18 @@ test('"Log it" opens the log form; the saved log is in the listing', async () =>
   assert.deepEqual(boxes, []);
 });
 
+test('Export asks its question first and tells how many logs it wrote', async () => {
+  await page.evaluate(() => { location.hash = '#/logs'; });
+  await page.locator('[data-testid=logs] button', { hasText: 'M31' }).waitFor();
+  await page.locator('[data-action=export]').click();
+  const question = page.locator('.modal.question');
+  await question.waitFor();
+  assert.equal(await question.locator('p').textContent(), 'Do you want to export your Observer Logs to a text file ?');
+  await question.locator('button', { hasText: 'Yes' }).click();
+  const boxes = await drainMessages(page);
+  assert.deepEqual(boxes.map((b) => b.title), ['1 Observer log exported.']);
+});
+
 // Touch targets of the shown controls smaller than 48 CSS pixels.
 function smallTargets() {
   return page.evaluate(() => [...document.querySelectorAll('#screen button, #screen input, #screen select')]
@@ -111,15 +123,38 @@ function nonRedStyles() {
   });
 }
 
+// Pixels of the screen as shown that are not red: {count, sample}.
+async function nonRedPixels() {
+  const png = (await page.screenshot()).toString('base64');
+  return page.evaluate(async (data) => {
+    const img = new Image();
+    img.src = 'data:image/png;base64,' + data;
+    await img.decode();
+    const c = document.createElement('canvas');
+    c.width = img.width; c.height = img.height;
+    const g = c.getContext('2d');
+    g.drawImage(img, 0, 0);
+    const px = g.getImageData(0, 0, c.width, c.height).data;
+    let count = 0; let sample = '';
+    for (let i = 0; i < px.length; i += 4) {
+      const [r, gr, b] = [px[i], px[i + 1], px[i + 2]];
+      if (gr > r * 0.45 + 6 || b > r * 0.45 + 6) { count++; if (!sample) sample = `${r},${gr},${b} at ${(i / 4) % c.width},${Math.floor(i / 4 / c.width)}`; }
+    }
+    return { count, sample };
+  }, png);
+}
+
 test('the new screens have large touch targets and are red in night mode', async () => {
   await page.locator('#night').click();
   assert.equal(await page.evaluate(() => document.documentElement.dataset.night), 'Bright');
-  for (const hash of ['roamer', 'logs', 'logs/M31', 'logs/new/M 13']) {
+  const shown = { roamer: '[data-testid=list] button', logs: '[data-testid=logs] button', 'logs/M31': '#log-note', 'logs/new/M 13': '#log-note' };
+  for (const [hash, selector] of Object.entries(shown)) {
     await page.evaluate((h) => { location.hash = '#/' + h; }, hash);
-    await page.waitForLoadState('networkidle');
-    await page.locator('#screen .form').first().waitFor();
-    await page.waitForTimeout(100);
+    await page.locator(selector).first().waitFor();
+    await page.waitForTimeout(200);
     assert.deepEqual(await smallTargets(), [], `${hash}: touch targets under 48 px`);
     assert.deepEqual(await nonRedStyles(), [], `${hash}: colours that are not red`);
+    const pixels = await nonRedPixels();
+    assert.equal(pixels.count, 0, `${hash}: ${pixels.count} pixels not red, first ${pixels.sample}`);
   }
 });

@@ -8,8 +8,8 @@ import { ask } from '../modal.js';
 
 // The form's text and number fields: [key of the request, key of the log's JSON, label, input type].
 const FIELDS = [
-  ['on', 'date', 'Date', 'date'],
-  ['at', 'time', 'Time', 'time'],
+  ['on', 'date', 'Date', 'text'],
+  ['at', 'time', 'Time', 'text'],
   ['ra', 'ra', 'RA (h)', 'text'],
   ['dec', 'dec', 'Dec (°)', 'text'],
   ['type', 'type', 'Type', 'text'],
