@@ -62,6 +62,13 @@ TEST_F(ServerPlans, TheCriteriaFormListsChoicesInStoredIndexOrder) {
     EXPECT_EQ(json(client.Get("/api/roam/criteria")).at("criteria")[0].at("value"), 3);  // unchanged
     bad = post(client, "/api/roam", {{"mode", "sideways"}}, status);
     EXPECT_EQ(status, 400);
+    // Short selections need a site; an unknown one is named back.
+    bad = post(client, "/api/roam", {{"short", "messier"}}, status);
+    EXPECT_EQ(status, 422);
+    EXPECT_EQ(bad.at("error").at("title"), "Please set your location first!");
+    bad = post(client, "/api/roam", {{"short", "quasars"}}, status);
+    EXPECT_EQ(status, 422);
+    EXPECT_EQ(bad.at("error").at("title"), "Unknown short selection \"quasars\"");
 }
 
 TEST_F(ServerPlans, ARunFillsTheListThatIsSavedAndLoadedByName) {
