@@ -17,6 +17,7 @@
 #include "shell/api_chart.h"
 #include "shell/api_forms.h"
 #include "shell/api_json.h"
+#include "shell/api_plans.h"
 #include "shell/api_prefs.h"
 #include "shell/api_scope.h"
 #include "shell/chart_identify.h"
@@ -225,6 +226,7 @@ void registerApiRoutes(httplib::Server& s, Engine& engine) {
     auto session = std::make_shared<ScopeSession>();
     registerScopeRoutes(s, engine, session);
     registerFormRoutes(s, engine, session);
+    registerPlansRoutes(s, engine);
 }
 
 }  // namespace nocturnel

@@ -15,6 +15,7 @@
 #include "settings/text_encoding.h"
 #include "shell/app.h"
 #include "shell/commands.h"
+#include "shell/roam_session.h"
 #include "shell/selection_hooks.h"
 #include "shell/selection_json.h"
 
@@ -25,29 +26,6 @@ template <typename Body>
 void run(Body body) {
     if (!startUp() || !body()) setExitCode(1);
 }
-
-// The current list with the preferences' capacity.
-struct Current {
-    SelectionList list;
-    bool load() {
-        list.capacity = selectionCapacity(prefs());
-        return loadCurrentSelection(list, prefs().selection);
-    }
-    bool save() {
-        if (saveCurrentSelection(list, prefs().selection)) return true;
-        showMessage("Can't save the selection list", programFolder().string());
-        return false;
-    }
-    // The selection fields (and the user catalogue's name) go into the saved preferences.
-    static bool saveCriteria() {
-        const Preferences current = prefs();
-        return updatePrefsForCommand([&](Preferences& saved) {
-            saved.selection = current.selection;
-            std::memcpy(saved.userCatalogFile, current.userCatalogFile, sizeof saved.userCatalogFile);
-            return true;
-        });
-    }
-};
 
 std::optional<std::string> latin1Name(const std::string& utf8) {
     auto latin1 = utf8ToLatin1(utf8);
@@ -73,9 +51,7 @@ void registerListCommands(CLI::App& app) {
         run([] {
             const auto lines = listPicker();
             if (globalOptions().json) {
-                nlohmann::json j = nlohmann::json::array();
-                for (const auto& l : lines) j.push_back({{"file", l.file}, {"name", latin1ToUtf8(l.name)}, {"count", l.count}});
-                std::cout << nlohmann::json{{"lists", j}}.dump(2) << "\n";
+                std::cout << listPickerJson().dump(2) << "\n";
             } else {
                 std::cout << kNewListName << "\n";
                 for (const auto& l : lines) std::cout << latin1ToUtf8(l.line) << "\n";
@@ -85,7 +61,7 @@ void registerListCommands(CLI::App& app) {
     });
     list->add_subcommand("show", "The current selection list")->callback([] {
         run([] {
-            Current c;
+            CurrentList c;
             if (!c.load()) return false;
             show(c.list);
             return true;
@@ -96,7 +72,7 @@ void registerListCommands(CLI::App& app) {
     save->add_option("name", *name, "List name")->required();
     save->callback([name] {
         run([name] {
-            Current c;
+            CurrentList c;
             const auto latin1 = latin1Name(*name);
             if (!latin1 || !c.load() || !saveUserList(*latin1, c.list, prefs().selection)) return false;
             std::cout << "Saved " << c.list.items.size() << " objects as " << *name << "\n";
@@ -111,7 +87,7 @@ void registerListCommands(CLI::App& app) {
                    "Use NAME as the user catalogue (usercatalogs/NAME) and rebuild the list from it");
     load->callback([loadName, userCatalogMode] {
         run([loadName, userCatalogMode] {
-            Current c;
+            CurrentList c;
             const auto latin1 = latin1Name(*loadName);
             if (!latin1 || !c.load()) return false;
             if (*userCatalogMode) {
@@ -123,7 +99,7 @@ void registerListCommands(CLI::App& app) {
             } else if (!loadUserList(*latin1, c.list, prefs().selection)) {
                 return false;
             }
-            if (!c.save() || !Current::saveCriteria()) return false;
+            if (!c.save() || !CurrentList::saveCriteria()) return false;
             show(c.list);
             return true;
         });
@@ -133,7 +109,7 @@ void registerListCommands(CLI::App& app) {
     add->add_option("name", *addName, "Object name (\"M 42\", \"NGC 7000\", \"HIP 91262\")")->required();
     add->callback([addName] {
         run([addName] {
-            Current c;
+            CurrentList c;
             FoundObject found;
             if (!c.load() || !findObjectByName(*addName, found)) return false;
             const ObjectReference ref = referenceOf(found);
@@ -156,7 +132,7 @@ void registerListCommands(CLI::App& app) {
     remove->add_option("name", *removeName, "Object name")->required();
     remove->callback([removeName] {
         run([removeName] {
-            Current c;
+            CurrentList c;
             FoundObject found;
             if (!c.load() || !findObjectByName(*removeName, found)) return false;
             const ObjectReference ref = referenceOf(found);
@@ -196,17 +172,17 @@ void registerListCommands(CLI::App& app) {
     import->add_option("file", *importFile, "Memo file in userlists/")->required();
     import->callback([importFile] {
         run([importFile] {
-            Current c;
+            CurrentList c;
             if (!c.load()) return false;
             const int n = importMemo(*importFile, prefs().moment, c.list, prefs().selection);
-            if (!c.save() || !Current::saveCriteria()) return false;
+            if (!c.save() || !CurrentList::saveCriteria()) return false;
             show(c.list);
             return n >= 0;
         });
     });
     memo->add_subcommand("export", "Write the current list as a memo named from the date and time")->callback([] {
         run([] {
-            Current c;
+            CurrentList c;
             std::filesystem::path written;
             if (!c.load() || !exportMemo(memoTextOf(c.list), prefs().moment, &written)) return false;
             std::cout << "Written to " << written.string() << "\n";

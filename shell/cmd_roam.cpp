@@ -19,6 +19,7 @@
 #include "settings/text_encoding.h"
 #include "shell/app.h"
 #include "shell/commands.h"
+#include "shell/roam_session.h"
 #include "shell/selection_hooks.h"
 #include "shell/selection_json.h"
 
@@ -53,39 +54,6 @@ struct RoamOptions {
     bool add = false, remove = false, reset = false;
 };
 
-bool applyCriteria(const RoamOptions& o, SelectionCriteria& c) {
-    const std::pair<const std::optional<std::string>*, Criterion> given[] = {
-        {&o.visibility, Criterion::kVisibility}, {&o.mag, Criterion::kMagnitude},
-        {&o.constellation, Criterion::kConstellation}, {&o.catalog, Criterion::kCatalog},
-        {&o.type, Criterion::kType}, {&o.group, Criterion::kGroup}, {&o.difficulty, Criterion::kDifficulty},
-        {&o.size, Criterion::kSize}};
-    for (const auto& [value, which] : given)
-        if (*value && !setCriterion(c, which, **value)) return false;
-    return true;
-}
-
-std::optional<ShortSelection> shortSelectionOf(const std::string& name) {
-    static const std::pair<const char*, ShortSelection> kNames[] = {
-        {"messier", ShortSelection::kMessier},   {"caldwell", ShortSelection::kCaldwell},
-        {"herschel", ShortSelection::kHerschel}, {"sac", ShortSelection::kSac},
-        {"stars", ShortSelection::kStars},       {"user", ShortSelection::kUser},
-        {"comets", ShortSelection::kComets},     {"planets", ShortSelection::kPlanets},
-        {"galaxies", ShortSelection::kGalaxies}, {"nebulae", ShortSelection::kNebulae},
-        {"globulars", ShortSelection::kGlobulars}, {"multiples", ShortSelection::kMultiples},
-        {"all", ShortSelection::kAll}};
-    for (const auto& [text, which] : kNames)
-        if (name == text) return which;
-    showMessage("Unknown short selection \"" + name + "\"",
-                "messier, caldwell, herschel, sac, stars, user, comets, planets, galaxies, nebulae, globulars, "
-                "multiples or all");
-    return std::nullopt;
-}
-
-bool siteIsSet(const Preferences& p) {
-    const std::string name(p.siteName, strnlen(p.siteName, sizeof p.siteName));
-    return !name.empty() && name != "None";
-}
-
 void printSelection(const SelectionList& list, const std::vector<std::string>& stages) {
     if (globalOptions().json) {
         std::cout << selectionJson(list, stages).dump(2) << "\n";
@@ -96,46 +64,27 @@ void printSelection(const SelectionList& list, const std::vector<std::string>& s
 }
 
 bool roam(const RoamOptions& o) {
-    Preferences& p = prefs();
-    SelectionList list;
-    list.capacity = selectionCapacity(p);
-    SelectionCriteria& criteria = p.selection;
-    SelectionCriteria previous = criteria;
-    if (!loadCurrentSelection(list, previous)) return false;
-    if (o.reset) criteria = resetCriteria(criteria);
-    if (!applyCriteria(o, criteria)) return false;
+    RoamRequest request;
+    const std::pair<const std::optional<std::string>*, Criterion> given[] = {
+        {&o.visibility, Criterion::kVisibility}, {&o.mag, Criterion::kMagnitude},
+        {&o.constellation, Criterion::kConstellation}, {&o.catalog, Criterion::kCatalog},
+        {&o.type, Criterion::kType}, {&o.group, Criterion::kGroup}, {&o.difficulty, Criterion::kDifficulty},
+        {&o.size, Criterion::kSize}};
+    for (const auto& [value, which] : given)
+        if (*value) request.criteria.emplace_back(which, **value);
+    request.reset = o.reset;
+    request.mode = o.add ? SelectionMode::kAdd : o.remove ? SelectionMode::kRemove : SelectionMode::kNew;
+    request.shortSelection = o.shortSelection;
     StopOnInterrupt interrupt;
-    SelectionRunHooks hooks = selectionHooksFor(criteria, [] { return stopKey != 0; });
     const bool verbose = !globalOptions().json;
-    if (verbose) hooks.stageLine = [](std::string_view line) { std::cerr << latin1ToUtf8(line) << "\n"; };
-    SelectionOutcome outcome;
-    if (o.shortSelection) {
-        const auto which = shortSelectionOf(*o.shortSelection);
-        if (!which) return false;
-        if (!siteIsSet(p)) {
-            showMessage("Please set your location first!");
-            return false;
-        }
-        std::string report;
-        outcome = runShortSelection(*which, criteria, hooks, list, report);
-        if (verbose) std::cout << report << "\n";
-    } else {
-        const SelectionMode mode = o.add ? SelectionMode::kAdd : o.remove ? SelectionMode::kRemove : SelectionMode::kNew;
-        outcome = runSelection(criteria, hooks, list, mode);
-    }
-    if (outcome.stopped && verbose) std::cerr << "Stopped: the objects found so far are kept.\n";
-    if (!saveCurrentSelection(list, criteria)) {
-        showMessage("Can't save the selection list", programFolder().string());
-        return false;
-    }
-    const SelectionCriteria chosen = criteria;
-    if (!updatePrefsForCommand([&](Preferences& saved) {
-            saved.selection = chosen;
-            return true;
-        }))
-        return false;
-    printSelection(list, outcome.stages);
-    return !outcome.failed;
+    std::function<void(std::string_view)> stageLine;
+    if (verbose) stageLine = [](std::string_view line) { std::cerr << latin1ToUtf8(line) << "\n"; };
+    RoamResult result;
+    if (!roamCurrentList(request, [] { return stopKey != 0; }, stageLine, result)) return false;
+    if (o.shortSelection && verbose) std::cout << result.report << "\n";
+    if (result.outcome.stopped && verbose) std::cerr << "Stopped: the objects found so far are kept.\n";
+    printSelection(result.list, result.outcome.stages);
+    return !result.outcome.failed;
 }
 
 }  // namespace

@@ -8,6 +8,7 @@ const FILES = [
   'js/formscreen.js', 'js/describe.js',
   'js/screens/chart.js', 'js/screens/finder.js', 'js/screens/datetime.js', 'js/screens/prefs.js',
   'js/screens/location.js', 'js/screens/handbox.js', 'js/screens/align.js', 'js/screens/report.js',
+  'js/screens/roamer.js', 'js/screens/logs.js',
 ];
 
 self.addEventListener('install', (event) => {

@@ -6,7 +6,9 @@ export const MENUS = ['Tools', 'Assistants', 'Devices', 'Settings'];
 export const SCREENS = [
   { id: 'chart', menu: 'Tools', label: 'Sky Chart', module: './screens/chart.js' },
   { id: 'finder', menu: 'Tools', label: 'Find Object', module: './screens/finder.js' },
+  { id: 'logs', menu: 'Tools', label: 'Observer Logs', module: './screens/logs.js' },
   { id: 'align', menu: 'Assistants', label: '2 Stars Alignment', module: './screens/align.js' },
+  { id: 'roamer', menu: 'Assistants', label: 'SkyRoamer', module: './screens/roamer.js' },
   { id: 'report', menu: 'Assistants', label: 'Alignment Report', module: './screens/report.js' },
   { id: 'scope', menu: 'Devices', label: 'Telescope', module: './screens/handbox.js' },
   { id: 'datetime', menu: 'Settings', label: 'Date & Time', module: './screens/datetime.js' },

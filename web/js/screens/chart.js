@@ -159,6 +159,7 @@ export async function mount(container) {
         el('button', { class: 'primary', onclick: () => post('/api/scope/goto', { ra: o.ra, dec: o.dec }) }, 'GoTo'),
         el('button', { onclick: () => post('/api/scope/sync', { ra: o.ra, dec: o.dec }) }, 'Sync'),
         el('button', { onclick: () => { closeSheet(); centreOn(o.ra, o.dec); } }, 'Centre'),
+        chosen.name ? el('button', { onclick: () => { location.hash = '#/logs/new/' + encodeURIComponent(chosen.name); } }, 'Log it') : '',
         el('button', { 'aria-label': 'Close', onclick: closeSheet }, '✕')));
     root.append(sheet);
   }
