@@ -6,6 +6,9 @@ export const MENUS = ['Tools', 'Assistants', 'Devices', 'Settings'];
 export const SCREENS = [
   { id: 'chart', menu: 'Tools', label: 'Sky Chart', module: './screens/chart.js' },
   { id: 'finder', menu: 'Tools', label: 'Find Object', module: './screens/finder.js' },
+  { id: 'planets', menu: 'Tools', label: 'Planets', module: './screens/planets.js' },
+  { id: 'moon', menu: 'Tools', label: 'Moon', module: './screens/moon.js' },
+  { id: 'events', menu: 'Assistants', label: 'Events', module: './screens/events.js' },
   { id: 'align', menu: 'Assistants', label: '2 Stars Alignment', module: './screens/align.js' },
   { id: 'report', menu: 'Assistants', label: 'Alignment Report', module: './screens/report.js' },
   { id: 'scope', menu: 'Devices', label: 'Telescope', module: './screens/handbox.js' },
