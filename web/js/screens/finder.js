@@ -23,7 +23,8 @@ export async function mount(container, ctx) {
     const r = await get('/api/find?' + query({ name }));
     result.replaceChildren();
     if (!r.ok) return;
-    result.append(await objectCard((r.names && r.names[0]) || r.name || name, r));
+    // The typed name: the found object's name text ("M42, NGC1976") lists several.
+    result.append(await objectCard(name, r));
   }
 
   async function suggest() {
