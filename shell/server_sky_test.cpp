@@ -2,7 +2,15 @@
 // parameters with a message.
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <cstdlib>
+#include <thread>
+
 #include "catalog/catalogues.h"
+#include "scope/lx200.h"
+#include "scope/lx200_sim.h"
+#include "scope/pty_mount.h"
+#include "scope/serial_link.h"
 #include "shell/cli_test_runner.h"
 #include "shell/server_test_support.h"
 
@@ -142,6 +150,49 @@ TEST_F(ServerSky, NightLevelsGiveDifferentCharts) {
     }
     for (int a = 0; a <= 3; ++a)
         for (int b = a + 1; b <= 3; ++b) EXPECT_NE(pngs[a], pngs[b]) << "night " << a << " and " << b;
+}
+
+// The telescope marker lands where the chart the page shows draws the place the mount points at.
+TEST_F(ServerSky, ScopeMarkerIsPlacedOnTheShownChart) {
+    if (!hasData_) GTEST_SKIP() << "NOCTURNEL_TEST_DATA holds no built catalogues";
+    ::setenv("NOCTURNEL_SERIAL_SETTLE_MS", "0", 1);
+    setSerialSettleMillisecondsForTests(0);
+    lx200ResetState();
+    auto model = std::make_shared<Lx200MountModel>();
+    PtyMount mount(makeLx200Responder(model));
+    ASSERT_TRUE(mount.isReady());
+    {
+        TestServer server(home_);
+        ASSERT_TRUE(server.ready());
+        httplib::Client client("127.0.0.1", server.port());
+        EXPECT_EQ(client.Get("/api/scope/position?zoom=99")->status, 400);
+        auto connect = client.Post("/api/scope/connect",
+                                   nlohmann::json{{"drive", "LX200"}, {"port", mount.devicePath()}}.dump(), "application/json");
+        ASSERT_TRUE(connect);
+        ASSERT_EQ(connect->status, 200) << connect->body;
+        ASSERT_EQ(client.Post("/api/scope/goto", R"({"name":"Vega"})", "application/json")->status, 200);
+        // A chart centred on Vega (J2000), 30 degrees across 400 pixels.
+        const std::string onVega = "/api/scope/position?width=400&height=300&zoom=6&ra=18.6156&dec=38.7836";
+        nlohmann::json position;
+        for (int i = 0; i < 100; ++i) {
+            position = json(client.Get(onVega));
+            if (position.value("connected", false) && std::abs(position.at("dec").get<double>() - 38.78) < 0.3) break;
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        }
+        ASSERT_EQ(position.value("connected", false), true) << position.dump();
+        ASSERT_TRUE(position.contains("x")) << position.dump();
+        EXPECT_NEAR(position.at("x").get<int>(), 200, 12) << position.dump();
+        EXPECT_NEAR(position.at("y").get<int>(), 150, 12) << position.dump();
+        // Double resolution: the same CSS pixel.
+        const auto sharp = json(client.Get(onVega + "&scale=2"));
+        EXPECT_NEAR(sharp.value("x", -1), position.at("x").get<int>(), 1) << sharp.dump();
+        // A chart of the other side of the sky: no place for the marker.
+        const auto away = json(client.Get("/api/scope/position?width=400&height=300&zoom=8&ra=6.75&dec=-16.7"));
+        EXPECT_EQ(away.value("connected", false), true);
+        EXPECT_FALSE(away.contains("x")) << away.dump();
+        EXPECT_EQ(client.Post("/api/scope/disconnect", "", "application/json")->status, 200);
+    }
+    ::unsetenv("NOCTURNEL_SERIAL_SETTLE_MS");
 }
 
 }  // namespace
