@@ -510,8 +510,14 @@ void drawEyepieceField(const LayerContext& ctx, double trueFieldDeg, const std::
     cairo_show_text(ctx.cr, utf8.c_str());
 }
 
-void applyNightMode(cairo_surface_t* surface, bool whiteScheme) {
+double nightModeBrightness(int nightMode) {
+    constexpr double kBrightness[] = {1.0, 0.45, 0.7, 1.0};  // Off, Dark, Medium, Bright
+    return nightMode >= 0 && nightMode <= 3 ? kBrightness[nightMode] : 1.0;
+}
+
+void applyNightMode(cairo_surface_t* surface, bool whiteScheme, double brightness) {
     cairo_surface_flush(surface);
+    const uint32_t scale = static_cast<uint32_t>(std::lround(std::clamp(brightness, 0.0, 1.0) * 256.0));
     unsigned char* data = cairo_image_surface_get_data(surface);
     if (data == nullptr) return;
     const int width = cairo_image_surface_get_width(surface), height = cairo_image_surface_get_height(surface);
@@ -523,6 +529,7 @@ void applyNightMode(cairo_surface_t* surface, bool whiteScheme) {
             const uint32_t r = (p >> 16) & 0xFF, g = (p >> 8) & 0xFF, b = p & 0xFF;
             uint32_t luminance = (77 * r + 151 * g + 28 * b) >> 8;
             if (whiteScheme) luminance = 255 - luminance;
+            luminance = (luminance * scale) >> 8;
             line[x] = 0xFF000000u | (luminance << 16);
         }
     }

@@ -79,7 +79,11 @@ void drawTelradRings(const LayerContext& ctx, const float (&ringsDeg)[3]);
 void drawEyepieceField(const LayerContext& ctx, double trueFieldDeg, const std::string& label);
 // Screen point of a J2000 place (false below the horizon or outside the chart's clip).
 bool skyToScreen(const ChartView& view, const SkyFrame& frame, double raHours, double decDeg, ScreenPoint& point);
-// Reddens the finished chart: luminance to red on black (inverted on the white scheme).
-void applyNightMode(cairo_surface_t* surface, bool whiteScheme);
+// Brightness of the red of a "Night Mode" level (0 "Off", 1 "Dark", 2 "Medium", 3 "Bright"),
+// as a fraction of full red.
+double nightModeBrightness(int nightMode);
+// Reddens the finished chart: luminance to red on black (inverted on the white scheme), scaled
+// by brightness (0..1) so that the darker levels keep the eye adapted.
+void applyNightMode(cairo_surface_t* surface, bool whiteScheme, double brightness = 1.0);
 
 }  // namespace nocturnel

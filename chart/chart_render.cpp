@@ -169,7 +169,7 @@ ChartSurface renderChart(const ChartRequest& request, ChartResult& result) {
         cairo_show_text(cr, status.c_str());
     }
     cairo_destroy(cr);
-    if (p.nightMode != 0) applyNightMode(surface.get(), p.background == 2);
+    if (p.nightMode != 0) applyNightMode(surface.get(), p.background == 2, nightModeBrightness(p.nightMode));
     cairo_surface_flush(surface.get());
     if (request.present) request.present(surface.get());
     return surface;

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "chart/chart_view.h"
 #include "chart/sky_frame.h"
 #include "core/time.h"
 
@@ -62,6 +63,20 @@ std::string chartQueryKey(const ChartRequest& r, int nightMode) {
                   nightMode, r.centreAzDeg.value_or(-1), r.centreAltDeg.value_or(-99), r.centreRaHours.value_or(-1),
                   r.centreDecDeg.value_or(-99), m.year, m.month, m.day, m.hour, m.minute, m.second);
     return key;
+}
+
+std::optional<ScreenPoint> chartPointOfHorizontal(const ChartQuery& query, const Preferences& p, double azDeg,
+                                                  double altDeg) {
+    const ChartRequest request = chartRequestFor(query, p);
+    double jdUt = 0;
+    const ChartView view = chartViewForRequest(request, jdUt);
+    int32_t u = 0, v = 0;
+    if (!projectHorizontal(view, azDeg, altDeg, u, v)) return std::nullopt;
+    ScreenPoint point = chartToScreen(view, u, v);
+    point.x = wrapPanoramaX(view, point.x);
+    if (!insideClip(view, point.x, point.y)) return std::nullopt;
+    const int scale = request.resolutionFactor;
+    return ScreenPoint{point.x / scale, point.y / scale};
 }
 
 }  // namespace nocturnel

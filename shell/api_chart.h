@@ -31,4 +31,9 @@ int nightModeFor(const ChartQuery& query, const Preferences& p);
 // The same query written out in full (the cache key of a drawn chart).
 std::string chartQueryKey(const ChartRequest& request, int nightMode);
 
+// CSS pixel of a horizontal position (azimuth from north through east, altitude, degrees) on
+// the chart of the query, by the chart's own projection; nothing when it falls outside the chart.
+std::optional<ScreenPoint> chartPointOfHorizontal(const ChartQuery& query, const Preferences& p, double azDeg,
+                                                  double altDeg);
+
 }  // namespace nocturnel

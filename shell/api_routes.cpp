@@ -20,6 +20,7 @@
 #include "shell/api_plans.h"
 #include "shell/api_prefs.h"
 #include "shell/api_scope.h"
+#include "shell/api_sky.h"
 #include "shell/chart_identify.h"
 #include "shell/engine.h"
 #include "shell/http_readers.h"
@@ -223,6 +224,7 @@ void registerApiRoutes(httplib::Server& s, Engine& engine) {
     registerStateRoutes(s, engine);
     registerChartRoutes(s, engine);
     registerFindRoute(s, engine);
+    registerSkyRoutes(s, engine);
     auto session = std::make_shared<ScopeSession>();
     registerScopeRoutes(s, engine, session);
     registerFormRoutes(s, engine, session);

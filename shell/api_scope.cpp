@@ -17,6 +17,7 @@
 #include "settings/message.h"
 #include "settings/preferences.h"
 #include "settings/program_folder.h"
+#include "shell/chart_marker.h"
 #include "shell/engine.h"
 #include "shell/http_readers.h"
 #include "shell/http_reply.h"
@@ -257,7 +258,10 @@ void registerHandBox(httplib::Server& s, Engine& engine, const std::shared_ptr<S
             return true;
         });
     });
-    s.Get("/api/scope/position", [&engine, session](const Request&, Response& res) {
+    s.Get("/api/scope/position", [&engine, session](const Request& req, Response& res) {
+        // The view parameters of the chart the page shows (as for chart.png) place the marker.
+        ChartMarkerPlacer marker;
+        if (!marker.read(req.params)) return replyError(res, 400, marker.error());
         answerJob(engine, res, [&](nlohmann::json& out) {
             out = {{"connected", false}};
             if (!session->connected) return true;
@@ -273,6 +277,12 @@ void registerHandBox(httplib::Server& s, Engine& engine, const std::shared_ptr<S
             }
             out = {{"connected", true}, {"ra", ra}, {"dec", dec}};
             addHorizontalPlace(out, ra, dec);
+            if (out.contains("alt") && out.contains("az")) {
+                if (const auto point = marker.place(out["az"], out["alt"])) {
+                    out["x"] = point->x;
+                    out["y"] = point->y;
+                }
+            }
             return true;
         });
     });

@@ -19,6 +19,7 @@
 #include "settings/text_encoding.h"
 #include "shell/app.h"
 #include "shell/cmd_planets.h"
+#include "shell/sky_reports.h"
 #include "shell/commands.h"
 
 namespace nocturnel {
@@ -78,7 +79,7 @@ void registerFindCommand(CLI::App& app) {
         }
         if (!suggest->empty()) {
             const std::vector<std::string> names = suggestObjectNames(*suggest, static_cast<std::size_t>(*limit));
-            if (globalOptions().json) std::cout << nlohmann::json(names).dump(2) << "\n";
+            if (globalOptions().json) std::cout << suggestionsJson(*suggest, static_cast<std::size_t>(*limit)).dump(2) << "\n";
             else for (const std::string& n : names) std::cout << n << "\n";
             return;
         }

@@ -19,6 +19,7 @@
 #include "settings/preferences.h"
 #include "shell/app.h"
 #include "shell/commands.h"
+#include "shell/sky_reports.h"
 #include "shell/star_names.h"
 
 namespace nocturnel {
@@ -39,16 +40,14 @@ std::string clockText(const nlohmann::json& isoOrNull) {
 
 void runPlanets() {
     if (!startUp()) return setExitCode(1);
-    SolarSystemReport report;
-    if (solarSystemAt(skyRequestFromPreferences(true), &report) != 0) return setExitCode(1);
-    const int offset = prefs().utcOffsetMin;
-    const nlohmann::json out = planetsJson(report, offset, constellationAbbreviation);
+    nlohmann::json out;
+    if (!planetsReportJson(out)) return setExitCode(1);
     if (globalOptions().json) {
         std::cout << out.dump(2) << "\n";
         return;
     }
     char line[256];
-    std::snprintf(line, sizeof line, "JD %.5f (UT)   DeltaT %.1f s", report.jdUt, report.deltaTSec);
+    std::snprintf(line, sizeof line, "JD %.5f (UT)   DeltaT %.1f s", out["jd"].get<double>(), out["deltaT"].get<double>());
     std::cout << line << "\n";
     std::cout << "Body     RA (topo)    Dec (topo)    Alt     Az      Mag   Diam\"   Illum  Dist AU    Con  Rise  Trans Set\n";
     for (const auto& b : out["bodies"]) {
@@ -66,52 +65,29 @@ std::string riseName;
 
 void runRise() {
     if (!startUp()) return setExitCode(1);
-    const SkyRequest request = skyRequestFromPreferences(true);
-    RiseSetTimes times;
-    std::string name = riseName;
-    if (const auto body = solarBodyByName(riseName)) {
-        SolarBodyReport report;
-        if (solarBodyAt(*body, request, modelDeltaTSeconds(request.jdUt), &report) != 0 || !report.riseSet)
-            return setExitCode(1);
-        times = *report.riseSet;
-        name = solarBodyName(*body);
-    } else {
-        double ra = 0.0, dec = 0.0;
-        std::string canonical;
-        FoundObject object;
-        if (findBrightStarByName(riseName, canonical, ra, dec)) {
-            name = canonical;
-        } else if (findObjectByName(riseName, object)) {
-            name = object.name;
-            ra = object.raHours;
-            dec = object.decDeg;
-        } else {
-            return setExitCode(1);  // the finder has shown why
-        }
-        if (riseTransitSet(catalogueTrack(ra, dec), *request.riseSetDayStartJdUt,
-                           request.horizonDeg - kHorizonRefractionDeg, request.site, &times) != 0)
-            return setExitCode(1);
-    }
-    const nlohmann::json out = riseJson(name, times, prefs().utcOffsetMin);
+    nlohmann::json out;
+    if (!riseReportJson(riseName, out)) return setExitCode(1);
     if (globalOptions().json) {
         std::cout << out.dump(2) << "\n";
         return;
     }
-    std::cout << name << "\n";
-    if (times.circumpolar) std::cout << "circumpolar\n";
-    if (times.neverRises) std::cout << "never rises\n";
+    std::cout << out["name"].get<std::string>() << "\n";
+    if (out["circumpolar"].get<bool>()) std::cout << "circumpolar\n";
+    if (out["neverRises"].get<bool>()) std::cout << "never rises\n";
     char line[128];
-    if (times.riseJdUt) {
-        std::snprintf(line, sizeof line, "Rise:    %s  azimuth %.1f", out["rise"].get<std::string>().c_str(), times.riseAzDeg);
+    if (out["rise"].is_string()) {
+        std::snprintf(line, sizeof line, "Rise:    %s  azimuth %.1f", out["rise"].get<std::string>().c_str(),
+                      out["riseAz"].get<double>());
         std::cout << line << "\n";
     }
-    if (times.transitJdUt) {
+    if (out["transit"].is_string()) {
         std::snprintf(line, sizeof line, "Transit: %s  altitude %.1f", out["transit"].get<std::string>().c_str(),
-                      times.transitAltDeg);
+                      out["transitAlt"].get<double>());
         std::cout << line << "\n";
     }
-    if (times.setJdUt) {
-        std::snprintf(line, sizeof line, "Set:     %s  azimuth %.1f", out["set"].get<std::string>().c_str(), times.setAzDeg);
+    if (out["set"].is_string()) {
+        std::snprintf(line, sizeof line, "Set:     %s  azimuth %.1f", out["set"].get<std::string>().c_str(),
+                      out["setAz"].get<double>());
         std::cout << line << "\n";
     }
 }

@@ -12,6 +12,7 @@
 #include "settings/preferences.h"
 #include "shell/app.h"
 #include "shell/commands.h"
+#include "shell/sky_reports.h"
 
 namespace nocturnel {
 namespace {
@@ -20,18 +21,13 @@ std::string text(const nlohmann::json& v) { return v.is_string() ? v.get<std::st
 
 void runTwilight() {
     if (!startUp()) return setExitCode(1);
-    const SkyRequest request = skyRequestFromPreferences(true);
-    TwilightTimes times;
-    if (twilightForDay(*request.riseSetDayStartJdUt, request.site, request.horizonDeg, &times) != 0) return setExitCode(1);
-    const ObservingMoment& m = prefs().moment;
-    char date[16];
-    std::snprintf(date, sizeof date, "%04d-%02d-%02d", m.year, m.month, m.day);
-    const nlohmann::json out = twilightJson(date, times, prefs().utcOffsetMin);
+    nlohmann::json out;
+    if (!twilightReportJson(out)) return setExitCode(1);
     if (globalOptions().json) {
         std::cout << out.dump(2) << "\n";
         return;
     }
-    std::cout << "Twilight on " << date << " (local time)\n";
+    std::cout << "Twilight on " << out["date"].get<std::string>() << " (local time)\n";
     std::cout << "Astronomical dawn: " << text(out["astronomicalDawn"]) << "\n";
     std::cout << "Nautical dawn:     " << text(out["nauticalDawn"]) << "\n";
     std::cout << "Civil dawn:        " << text(out["civilDawn"]) << "\n";
@@ -44,15 +40,8 @@ void runTwilight() {
 
 void runMoon() {
     if (!startUp()) return setExitCode(1);
-    const SkyRequest request = skyRequestFromPreferences(true);
-    SolarBodyReport moon;
-    if (solarBodyAt(SolarBody::Moon, request, modelDeltaTSeconds(request.jdUt), &moon) != 0) return setExitCode(1);
-    const double elongation = moonElongationLongitudeDeg(request.jdUt);
-    EclipticPlace ecliptic;
-    apparentEclipticPlace(SolarBody::Moon, moon.geocentric.jdTt, &ecliptic);
-    const MoonLibration libration = moonOpticalLibration(moon.geocentric.jdTt, ecliptic.longitudeDeg, ecliptic.latitudeDeg);
-    const nlohmann::json out = moonJson(moon, moonAgeDays(request.jdUt), elongation, libration,
-                                        nextMoonPhases(request.jdUt, 4), prefs().utcOffsetMin);
+    nlohmann::json out;
+    if (!moonReportJson(out)) return setExitCode(1);
     if (globalOptions().json) {
         std::cout << out.dump(2) << "\n";
         return;
@@ -62,43 +51,20 @@ void runMoon() {
                   out["phase"].get<std::string>().c_str(), out["age"].get<double>(), 100.0 * out["illuminated"].get<double>(),
                   out["distanceKm"].get<double>(), out["diameterArcsec"].get<double>() / 60.0);
     std::cout << line << "\n";
-    std::snprintf(line, sizeof line, "Libration: longitude %+.2f, latitude %+.2f", libration.longitudeDeg, libration.latitudeDeg);
+    std::snprintf(line, sizeof line, "Libration: longitude %+.2f, latitude %+.2f", out["librationLonDeg"].get<double>(),
+                  out["librationLatDeg"].get<double>());
     std::cout << line << "\n";
     std::cout << "Rise " << text(out["rise"]) << "  transit " << text(out["transit"]) << "  set " << text(out["set"]) << "\n";
     for (const auto& p : out["nextPhases"]) std::cout << p["time"].get<std::string>() << "  " << p["phase"].get<std::string>() << "\n";
 }
 
+constexpr double kEventsMaxYears = 20.0;
 std::string fromText, toText, kindText;
 
 void runEvents() {
     if (!startUp()) return setExitCode(1);
-    ObservingMoment from = prefs().moment, to = prefs().moment;
-    if (!readDateOption(fromText, from) || !readDateOption(toText, to)) {
-        showMessage("Invalid date", "use YYYY-MM-DD for --from and --to");
-        return setExitCode(1);
-    }
-    if (!kindText.empty()) {
-        bool known = false;
-        for (const std::string& k : planetEventKinds()) known = known || k == kindText;
-        if (!known) {
-            std::string list;
-            for (const std::string& k : planetEventKinds()) list += (list.empty() ? "" : ", ") + k;
-            showMessage("Unknown event kind", list);
-            return setExitCode(1);
-        }
-    }
-    const int offset = prefs().utcOffsetMin;
-    const double a = julianDateFromLocal(from.year, from.month, from.day, 0, 0, 0, offset);
-    const double b = julianDateFromLocal(to.year, to.month, to.day, 0, 0, 0, offset) + 1.0;  // --to day included
-    if (!(b > a)) {
-        showMessage("Invalid date", "--to is before --from");
-        return setExitCode(1);
-    }
-    if (b - a > 20.0 * 365.25) {
-        showMessage("Date range too long", "at most 20 years");
-        return setExitCode(1);
-    }
-    const nlohmann::json out = eventsJson(findPlanetEvents(a, b, kindText), offset);
+    nlohmann::json out;
+    if (!eventsReportJson(fromText, toText, kindText, kEventsMaxYears, out)) return setExitCode(1);
     if (globalOptions().json) {
         std::cout << out.dump(2) << "\n";
         return;

@@ -279,6 +279,9 @@ nlohmann::json describeLocationPage(const LocationPageFields& f) {
     skyControl["entries"] = utf8Entries(skyEntries);
     nlohmann::json memory = control(kForm + 11, "memory", "selector", "", f.memory);
     memory["entries"] = {"Site1", "Site2", "Site3"};
+    memory["action"] = "recall";  // choosing a site memory shows its values at once
+    nlohmann::json daylightSaving = control(kForm + 10, "daylightSaving", "check", "DST", f.daylightSaving);
+    daylightSaving["action"] = "dst";  // the box moves the GMT offset by an hour at once
     nlohmann::json controls = {
         textControl(kForm + 1, "name", "Location:", kLocationNameChars, f.name),
         textControl(kForm + 2, "latitude", "Latitude:", kLocationPositionChars, f.latitude, true),
@@ -289,7 +292,7 @@ nlohmann::json describeLocationPage(const LocationPageFields& f) {
         textControl(kForm + 7, "pressure", "P (mbar):", kPressureChars, f.pressure),
         textControl(kForm + 8, "humidity", "Humidity (%):", kHumidityChars, f.humidity),
         skyControl,
-        control(kForm + 10, "daylightSaving", "check", "DST", f.daylightSaving),
+        daylightSaving,
         memory,
     };
     return {{"id", "location"},
@@ -307,6 +310,7 @@ nlohmann::json describeDateDialog(const DateDialog& d, int timeUpdate) {
     minute["picks"] = minutes;
     nlohmann::json scale = control(kForm + 7, "showsUt", "selector", "", d.showsUt ? 1 : 0);
     scale["entries"] = {"Local", "UT"};
+    scale["action"] = "ut";  // the fields are shown again in the chosen time scale
     const PreferenceList* update = findPreferenceList("timeUpdate");
     nlohmann::json updateControl = control(kForm + 9, "timeUpdate", "list", "Time Update", timeUpdate);
     updateControl["entries"] = nlohmann::json::array();

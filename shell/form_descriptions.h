@@ -10,7 +10,8 @@
 //    "buttons":[{"id":1197,"label":"Prev","action":"prev","form":"prefs6"}, ...]}
 //   CONTROL: {"id":1101,"name":"scopeDrive","type":"list|number|check|text|static|selector",
 //             "label":"Scope Drive","help":"...","entries":["None",...] (index = stored value),
-//             "min":..,"max":..,"maxChars":..,"readOnly":bool,"value":...}
+//             "min":..,"max":..,"maxChars":..,"readOnly":bool,"value":...,
+//             "action":"recall"} (a control with an action posts it as soon as it changes)
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>

@@ -2,15 +2,14 @@
 // action: a button naming another form ("Prev", "Next" of the preference pages) shows that
 // form once its values are accepted; "ok" and "accept" go back to the main window; any other
 // action ("jd", "now", "read1", "compute"...) draws the form again from the answer. Selectors
-// (the Location page's Site1..Site3, the date/time dialog's Local/UT) post at once when changed.
+// and boxes whose description names an action (the Location page's Site1..Site3 and DST, the
+// date/time dialog's Local/UT) post it at once when changed.
 import { el } from './dom.js';
 import { get, post } from './api.js';
 import { renderForm } from './form.js';
 import { loadPrefs } from './state.js';
 
 const CLOSING = new Set(['ok', 'accept', 'cancel']);
-// The action a control posts when changed, for descriptions that do not name it.
-const CHANGE_ACTIONS = { showsUt: 'ut', memory: 'recall', daylightSaving: 'dst' };
 // Two-way selectors the engine reads as true/false: the values carry the scale the fields were
 // shown in, the body the one chosen now (the date/time dialog's Local/UT).
 const BOOLEAN_SELECTORS = new Set(['showsUt']);
@@ -31,8 +30,8 @@ export async function mountForm(container, ctx, firstId, { onShow = null } = {})
       current.node,
       el('div', { class: 'footer' }, buttons.map((b) =>
         el('button', { class: CLOSING.has(b.action) ? 'primary' : '', 'data-action': b.action || '', 'data-testid': b.action || '', onclick: () => press(b) }, b.label)))));
-    for (const [key, input] of current.inputs) {
-      const action = input.control.action || CHANGE_ACTIONS[key];
+    for (const input of current.inputs.values()) {
+      const action = input.control.action;
       if (action) input.node.addEventListener('change', () => send({ action }));
     }
     if (onShow) onShow(form);

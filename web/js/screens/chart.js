@@ -6,7 +6,8 @@ import { el, clear } from '../dom.js';
 import { get, post, query, request, showMessages } from '../api.js';
 import { state, rememberPrefs } from '../state.js';
 import { showMessage } from '../modal.js';
-import { objectName, objectLines, hoursText } from '../describe.js';
+import { hoursText } from '../describe.js';
+import { objectCard } from '../card.js';
 
 // The "Night Mode" list as stored: 0 "Off", 1 "Dark", 2 "Medium", 3 "Bright".
 const NIGHT_INDEX = { Off: 0, Dark: 1, Medium: 2, Bright: 3 };
@@ -150,17 +151,15 @@ export async function mount(container) {
     pick.style.left = (typeof o.x === 'number' ? o.x / scale : x) + 'px';
     pick.style.top = (typeof o.y === 'number' ? o.y / scale : y) + 'px';
     pick.hidden = false;
-    const chosen = { name: (o.names && o.names[0]) || o.name || '', ra: o.ra, dec: o.dec };
-    state.chosen = chosen;
-    sheet = el('div', { class: 'sheet', 'data-testid': 'object' },
-      el('h3', { class: 'name' }, objectName(o)),
-      objectLines(o),
-      el('div', { class: 'buttons' },
-        el('button', { class: 'primary', onclick: () => post('/api/scope/goto', { ra: o.ra, dec: o.dec }) }, 'GoTo'),
-        el('button', { onclick: () => post('/api/scope/sync', { ra: o.ra, dec: o.dec }) }, 'Sync'),
-        el('button', { onclick: () => { closeSheet(); centreOn(o.ra, o.dec); } }, 'Centre'),
-        chosen.name ? el('button', { onclick: () => { location.hash = '#/logs/new/' + encodeURIComponent(chosen.name); } }, 'Log it') : '',
-        el('button', { 'aria-label': 'Close', onclick: closeSheet }, '✕')));
+    state.chosen = { name: (o.names && o.names[0]) || o.name || '', ra: o.ra, dec: o.dec };
+    const name = o.name || o.designation || (o.names && o.names[0]) || '';
+    const card = await objectCard(name, o, {
+      className: 'sheet', onClose: closeSheet, onCentre: (ra, dec) => { closeSheet(); centreOn(ra, dec); },
+    });
+    if (!alive) return;
+    closeSheet();
+    pick.hidden = false;
+    sheet = card;
     root.append(sheet);
   }
 
