@@ -33,8 +33,9 @@ bool findStarMotion(int32_t hip, StarMotionEntry& out);
 bool findStarMotionByHr(int32_t hr, StarMotionEntry& out);
 
 // The J2000-equinox place of the entry at the epoch (decimal Julian year, 2000.0 = J2000),
-// the motion applied as a straight line in the tangent plane (exact to micro-arcseconds over
-// centuries for every Hipparcos star).
+// the motion applied as a straight line in the star's tangent plane (no parallax or radial
+// velocity: within a few hundredths of an arcsecond of a rigorous propagation over decades,
+// even for Barnard's star).
 void starPlaceAtEpoch(const StarMotionEntry& star, double epochYear, double& raHours, double& decDeg);
 // The same by HIP number; false (place untouched) when the star has no entry.
 bool starPlaceAtEpoch(int32_t hip, double epochYear, double& raHours, double& decDeg);
