@@ -15,6 +15,7 @@
 #include "catalog/objects.h"
 #include "catalog/record_file.h"
 #include "catalog/star_catalog.h"
+#include "catalog/star_motion.h"
 #include "settings/message.h"
 #include "settings/program_folder.h"
 
@@ -103,6 +104,12 @@ bool findStar(const ObjectNameQuery& query, FoundObject& out) {
         if (name[0]) out.name = std::string(name) + ", " + out.name;
         out.mag = bright.mag;  // the default star keeps the unpacked magnitude
     }
+    // The packed place is rounded and fixed at 2000: the motion file gives the full-precision
+    // place moved to the observing moment.
+    StarMotionEntry motion;
+    if ((query.catalogCode == kCatalogHipparcos && findStarMotion(query.number, motion)) ||
+        (query.catalogCode == kCatalogHR && findStarMotionByHr(query.number, motion)))
+        starPlaceAtEpoch(motion, observingEpoch(), out.raHours, out.decDeg);
     out.constellation = constellationOf(out.raHours, out.decDeg);
     return true;
 }

@@ -19,8 +19,8 @@ struct FoundObject {
     int catalogCode = -1;     // row of the catalogue table
     int32_t number = 0;       // number in that catalogue (Tycho: region * 100,000 + number)
     int typeCode = 0;         // row of the object-type table
-    double raHours = 0;       // J2000
-    double decDeg = 0;        // J2000
+    double raHours = 0;       // J2000 equinox; a star with a proper motion at the observing moment
+    double decDeg = 0;        // (catalog/star_motion.h), every other object at its catalogue place
     double mag = 0;           // visual magnitude
     bool magKnown = false;    // deep-sky objects store 0 for an unknown magnitude
     double majorArcmin = 0;   // apparent size, 0 unknown

@@ -7,6 +7,7 @@
 
 #include "catalog/catalogues.h"
 #include "catalog/eyepieces.h"
+#include "catalog/star_motion.h"
 #include "chart/chart_labels.h"
 #include "chart/chart_layers.h"
 #include "chart/label_layout.h"
@@ -114,9 +115,12 @@ ChartSurface renderChart(const ChartRequest& request, ChartResult& result) {
     StarStyle starStyle = starStyleFromPreferences();
     starStyle.screenFactor = view.screenFactor;
     StarPainter painter(starStyle);
+    const double epoch = julianEpochOfJd(result.jdUt);
     for (const DefaultStarRecord& star : chartBrightStars()) {
         ScreenPoint point;
-        if (!skyToScreen(view, frame, star.raHours, star.decDeg, point)) continue;
+        double ra = star.raHours, dec = star.decDeg;
+        starPlaceAtEpoch(star.hip, epoch, ra, dec);  // its place at the date, where it has a motion
+        if (!skyToScreen(view, frame, ra, dec, point)) continue;
         const int step = magnitudeStep(star.mag, view.screenFactor);
         painter.paintStar(surface.get(), view.zoomLevel, step, star.colour, point.x, point.y);
         result.bright.push_back({star.hip, point.x, point.y, star.mag});

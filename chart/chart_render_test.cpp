@@ -4,9 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
+#include <fstream>
 #include <vector>
 
 #include "catalog/catalogues.h"
+#include "catalog/star_motion.h"
 #include "chart/chart_labels.h"
 #include "chart/chart_layers.h"
 #include "chart/chart_test_support.h"
@@ -249,6 +252,45 @@ TEST_F(KnownNight, CentredRequestPutsTheCentreInTheMiddleFacingIt) {
     EXPECT_NEAR(result.bright[0].x, 400, 2);
     EXPECT_NEAR(result.bright[0].y, 400, 2);
     EXPECT_EQ((result.view.rotationDeg - static_cast<int>(std::lround(result.view.centreAzDeg)) + 720) % 360, 180);
+}
+
+TEST_F(KnownNight, BrightStarsAreDrawnWhereTheirMotionHasTakenThem) {
+    // Vega given a motion of 1000"/yr north and 500"/yr east: 7.5 degrees north by 2026.9, some
+    // 30 pixels on this chart, where ERFA puts the moved place.
+    StarMotionRecord record{};
+    record.entries[0] = {91262, 7001, (18 + 36 / 60.0 + 56.3 / 3600) * 15, 38 + 47 / 60.0 + 1.3 / 3600, 500000.0f, 1000000.0f};
+    const DatabaseHeader header{kStarMotionFileVersion, 0, 1, sizeof record};
+    std::ofstream out(folder_.path() / "data" / kStarMotionFile, std::ios::binary);
+    out.write(reinterpret_cast<const char*>(&header), sizeof header);
+    out.write(reinterpret_cast<const char*>(&record), sizeof record);
+    out.close();
+    forgetStarMotion();
+
+    ChartResult result;
+    ChartSurface surface = renderChart(request_, result);
+    forgetStarMotion();
+    ASSERT_TRUE(surface);
+    const double jd = julianDateFromLocal(2026, 11, 21, 22, 0, 0, 60);
+    double raMoved = 0, decMoved = 0;
+    starPlaceAtEpoch(record.entries[0], julianEpochOfJd(jd), raMoved, decMoved);
+    EXPECT_NEAR(decMoved - record.entries[0].decDeg, 1000.0 * (julianEpochOfJd(jd) - 2000) / 3600, 0.2);
+    double npb[3][3];
+    eraPnm80(jd, 0.0, npb);
+    const double lst = eraGmst82(jd, 0.0) + 2.35 * kDegToRad;
+    bool drawn = false;
+    for (const BrightStarSpot& spot : result.bright) {
+        if (spot.hip != 91262) continue;
+        drawn = true;
+        double p[3], pDate[3], ra = 0, dec = 0, az = 0, alt = 0;
+        eraS2c(raMoved * 15 * kDegToRad, decMoved * kDegToRad, p);
+        eraRxp(npb, p, pDate);
+        eraC2s(pDate, &ra, &dec);
+        eraHd2ae(lst - ra, dec, 48.1 * kDegToRad, &az, &alt);
+        const double r = 400 * std::tan((M_PI / 2 - alt) / 2);
+        EXPECT_NEAR(spot.x, 400 - r * std::sin(az), 1.5);
+        EXPECT_NEAR(spot.y, 400 - r * std::cos(az), 1.5);
+    }
+    EXPECT_TRUE(drawn);
 }
 
 }  // namespace

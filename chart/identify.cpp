@@ -8,6 +8,7 @@
 #include "catalog/object_tables.h"
 #include "catalog/objects.h"
 #include "catalog/star_catalog.h"
+#include "catalog/star_motion.h"
 #include "chart/chart_layers.h"
 #include "chart/field_stars.h"
 #include "chart/sky_objects.h"
@@ -76,12 +77,14 @@ TapBand tapBand(const ChartView& view, const SkyFrame& frame, int x, int y, int 
     return band;
 }
 
-void offerBrightStars(Best& best, const ChartView& view, const SkyFrame& frame, const TapBand& band, int x, int y,
-                      int tolerancePx) {
+void offerBrightStars(Best& best, const ChartView& view, const SkyFrame& frame, double epoch, const TapBand& band,
+                      int x, int y, int tolerancePx) {
     for (const DefaultStarRecord& star : chartBrightStars()) {
         if (band.excludes(star.decDeg)) continue;
+        double ra = star.raHours, dec = star.decDeg;
+        starPlaceAtEpoch(star.hip, epoch, ra, dec);  // where the chart drew it
         ScreenPoint p;
-        if (!skyToScreen(view, frame, star.raHours, star.decDeg, p)) continue;
+        if (!skyToScreen(view, frame, ra, dec, p)) continue;
         const double d = std::hypot(p.x - x, p.y - y);
         if (d > tolerancePx) continue;
         IdentifiedObject o;
@@ -91,8 +94,8 @@ void offerBrightStars(Best& best, const ChartView& view, const SkyFrame& frame, 
         o.number = star.hip > 0 ? star.hip : star.hr;
         o.designation = designationText(o.catalogCode, o.number);
         if (o.name.empty()) o.name = o.designation;
-        o.raHours = star.raHours;
-        o.decDeg = star.decDeg;
+        o.raHours = ra;
+        o.decDeg = dec;
         o.mag = star.mag;
         o.magKnown = true;
         o.x = p.x;
@@ -171,7 +174,7 @@ IdentifiedObject identify(const ChartView& view, double jdUt, bool precess, int 
     Best best;
     const SkyFrame frame = precess ? skyFrameForDate(jdUt) : SkyFrame{};
     const TapBand band = tapBand(view, frame, x, y, tolerancePx);
-    offerBrightStars(best, view, frame, band, x, y, tolerancePx);
+    offerBrightStars(best, view, frame, julianEpochOfJd(jdUt), band, x, y, tolerancePx);
     offerFieldStars(best, x, y, tolerancePx);
     offerDeepSky(best, view, frame, band, x, y, tolerancePx);
     if (gSolarSystemSpots) {

@@ -6,6 +6,7 @@
 
 #include "catalog/catalogues.h"
 #include "catalog/star_catalog.h"
+#include "catalog/star_motion.h"
 
 namespace nocturnel {
 namespace {
@@ -32,6 +33,7 @@ bool findBrightStarByName(const std::string& name, std::string& canonical, doubl
             canonical = nameField[0] ? nameField : name;
             raHours = star.raHours;
             decDeg = star.decDeg;
+            starPlaceAtEpoch(star.hip, observingEpoch(), raHours, decDeg);  // at the observing moment
             return true;
         }
     }

@@ -20,6 +20,7 @@
 #include "tools/record_io.h"
 #include "tools/sources.h"
 #include "tools/star_files.h"
+#include "tools/star_motion_file.h"
 #include "tools/star_packing.h"
 
 namespace nocturnel {
@@ -212,6 +213,19 @@ bool writeDeepStarCard(FileWriter& writer, const fs::path& starsFolder, bool& wr
     return writer.writeBlocks("nocturnel_tycho_390k.ppc", card.blocks, card.perBlock);
 }
 
+// Full-precision places and proper motions of the Hipparcos stars (nocturnel_star_motion.ppc);
+// skipped when the sources lack Stellarium's star files.
+bool writeStarMotion(FileWriter& writer, const fs::path& starsFolder, const StarSources& sources, bool& written) {
+    written = false;
+    std::vector<fs::path> files = stellariumStarFiles(starsFolder);
+    if (files.empty() || !fs::exists(starsFolder / "hip_pm.dat")) return true;
+    std::vector<StarMotionRecord> records;
+    std::string error;
+    if (!buildStarMotionRecords(files, hrByHipOf(sources), records, error)) return malformed(starsFolder, error);
+    written = true;
+    return writer.write(kStarMotionFile, kStarMotionFileVersion, records);
+}
+
 // Versions as the packages state them: d3-celestial's package.json, the first line of xplanet's
 // Debian changelog ("xplanet (1.3.1-3) unstable; ..."). "unknown version" when absent.
 std::string d3Version(const fs::path& d3Data) {
@@ -254,14 +268,16 @@ std::string sourcesText(const SourcePaths& paths, const StellariumCatalogue& dso
     if (deepStars)
         text += "\nStellarium star catalogue, Debian package stellarium-data (usr/share/stellarium/stars/default/\n"
                 "stars_0 .. stars_3 *.cat: Hipparcos, Tycho-2 and NOMAD stars to about magnitude 10.5), GPL-2+.\n"
-                "  -> nocturnel_tycho_390k.ppc (all of them, about 600,000; no Tycho numbers, see the README).\n";
+                "  -> nocturnel_tycho_390k.ppc (all of them, about 600,000; no Tycho numbers, see the README);\n"
+                "     nocturnel_star_motion.ppc (the Hipparcos stars' full-precision J2000 places from the\n"
+                "     records of stars_0 .. stars_2, their proper motions from stars/default/hip_pm.dat).\n";
     if (tycho)
         text += "\nTycho-2 main catalogue (Hog et al. 2000, CDS I/259, tyc2.dat), supplied by the user.\n"
                 "  -> nocturnel_tycho_390k.ppc, nocturnel_tycho_2500k.ppc, nocturnel_tycho_idx.ppc.\n";
     return text;
 }
 
-bool checkAll(const fs::path& out, bool tycho, bool deepStars) {
+bool checkAll(const fs::path& out, bool tycho, bool deepStars, bool starMotion) {
     std::string error;
     const StarFileRules plain{42, 0, 0};
     return check(checkDefaultStars(out / "nocturnel_default_stars.ppc", error), error) &&
@@ -279,6 +295,7 @@ bool checkAll(const fs::path& out, bool tycho, bool deepStars) {
            check(checkConstellations(out, error), error) &&
            check(checkEyepieceFile(out / "nocturnel_eyepiece.ppc", error), error) &&
            (!deepStars || check(checkStarBlockFile(out / "nocturnel_tycho_390k.ppc", {0, 0, 0}, error), error)) &&
+           (!starMotion || check(checkStarMotionFile(out / kStarMotionFile, error), error)) &&
            (!tycho || (check(checkStarBlockFile(out / "nocturnel_tycho_390k.ppc", {0, 0, 0}, error), error) &&
                        check(checkStarBlockFile(out / "nocturnel_tycho_2500k.ppc", {0, 0, 0}, error), error) &&
                        check(checkTychoIndex(out / "nocturnel_tycho_idx.ppc", out / "nocturnel_tycho_2500k.ppc", error), error)));
@@ -363,7 +380,7 @@ int buildCatalogues(const BuildOptions& options, BuildReport* reportOut) {
         }
     } cleaner{stage};
     FileWriter writer(stage, report);
-    bool deepStars = false;
+    bool deepStars = false, starMotion = false;
     const bool written =
         writer.write("nocturnel_default_stars.ppc", 1, starFiles.defaultStars) &&
         writer.writeBlocks("nocturnel_hr.ppc", starFiles.hr, 42) && writer.write("nocturnel_hr_idx.ppc", 1, starFiles.hrIndex) &&
@@ -383,14 +400,15 @@ int buildCatalogues(const BuildOptions& options, BuildReport* reportOut) {
         writer.write(kNameFile, kNameFileVersion, buildNameRecords(objectFiles, stars.names)) &&
         writePlanetSeriesFile(options.sourcesFolder, stage, report) &&
         (options.tycho2File.empty() ? writeDeepStarCard(writer, paths.stellariumStars, deepStars)
-                                    : writeTycho(writer, options.tycho2File));
+                                    : writeTycho(writer, options.tycho2File)) &&
+        writeStarMotion(writer, paths.stellariumStars, stars, starMotion);
     if (!written) return 1;
     if (!writeWholeFile(stage / "SOURCES", sourcesText(paths, dso, !options.tycho2File.empty(), deepStars) +
                                                   planetSeriesSourcesText(options.sourcesFolder))) {
         showMessage(kWriteFailed, (stage / "SOURCES").string());
         return 1;
     }
-    if (!checkAll(stage, !options.tycho2File.empty(), deepStars)) return 1;
+    if (!checkAll(stage, !options.tycho2File.empty(), deepStars, starMotion)) return 1;
     std::vector<std::string> names;
     for (const BuiltFile& f : report.files) names.push_back(f.name);
     names.push_back("SOURCES");  // last: its presence tells a complete set

@@ -1,0 +1,198 @@
+// Stars at their date: the epoch arithmetic, the motion on the sphere, the motion file read
+// through the data folder, and real stars against their published places.
+#include "catalog/star_motion.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "catalog/catalog_test_support.h"
+#include "catalog/name_index.h"
+#include "catalog/object_finder.h"
+#include "catalog/star_catalog.h"
+#include "settings/preferences.h"
+#include "settings/program_folder.h"
+
+namespace nocturnel {
+namespace {
+
+double separationArcsec(double ra1Hours, double dec1Deg, double ra2Hours, double dec2Deg) {
+    const double k = M_PI / 180;
+    const double a1 = ra1Hours * 15 * k, a2 = ra2Hours * 15 * k, d1 = dec1Deg * k, d2 = dec2Deg * k;
+    const double x = std::cos(d1) * std::cos(a1) - std::cos(d2) * std::cos(a2);
+    const double y = std::cos(d1) * std::sin(a1) - std::cos(d2) * std::sin(a2);
+    const double z = std::sin(d1) - std::sin(d2);
+    return 2 * std::asin(std::sqrt(x * x + y * y + z * z) / 2) / k * 3600;
+}
+
+TEST(StarMotion, JulianEpochs) {
+    EXPECT_DOUBLE_EQ(julianEpochOf(2000, 1, 1, 12), 2000.0);
+    EXPECT_DOUBLE_EQ(julianEpochOfJd(2451545.0), 2000.0);
+    EXPECT_NEAR(2000 + 366.25 / 365.25, julianEpochOf(2001, 1, 1, 18), 1e-12);  // 2000 was a leap year
+    // 2026 November 24, 0h UT = JD 2461368.5.
+    EXPECT_NEAR(julianEpochOf(2026, 11, 24), julianEpochOfJd(2461368.5), 1e-12);
+    EXPECT_NEAR(julianEpochOf(2026, 11, 24, 21, 36), julianEpochOfJd(2461369.4), 1e-12);
+    EXPECT_NEAR(julianEpochOf(1950, 3, 1), 2000.0 - (2451545.0 - 2433341.5) / 365.25, 1e-12);  // JD of 1950 Mar 1, 0h
+}
+
+TEST(StarMotion, MotionMovesAlongEastAndNorth) {
+    const struct {
+        double raDeg, decDeg, pmRa, pmDec, years;
+        double raArcsecEast, decArcsec;  // expected shift: along RA x cos(dec), and in Dec
+    } cases[] = {
+        {10, 0, 0, 1000, 10, 0, 10},           // 10"/decade north
+        {10, 60, 1000, 0, 10, 10, 0},          // east at 60 degrees: 20" of RA x cos 60
+        {359.9999, -30, 2000, -500, 26.9, 53.8, -13.45},  // across RA 0
+        {120, 45, -3000, 4000, -10, 30, -40},             // backwards in time
+    };
+    for (const auto& c : cases) {
+        const StarMotionEntry star{1, 0, c.raDeg, c.decDeg, static_cast<float>(c.pmRa), static_cast<float>(c.pmDec)};
+        double ra = 0, dec = 0;
+        starPlaceAtEpoch(star, 2000 + c.years, ra, dec);
+        double dRa = ra * 15 - c.raDeg;
+        if (dRa > 180) dRa -= 360;
+        if (dRa < -180) dRa += 360;
+        EXPECT_NEAR(dRa * 3600 * std::cos(c.decDeg * M_PI / 180), c.raArcsecEast, 0.01) << c.raDeg;
+        EXPECT_NEAR((dec - c.decDeg) * 3600, c.decArcsec, 0.01) << c.raDeg;
+        EXPECT_GE(ra, 0);
+        EXPECT_LT(ra, 24);
+        // At J2000 the place is the entry's own, to the last digit kept.
+        starPlaceAtEpoch(star, 2000, ra, dec);
+        EXPECT_LT(separationArcsec(ra, dec, c.raDeg / 15, c.decDeg), 1e-6);
+    }
+}
+
+using StarMotionFile = test::CatalogFolderTest;
+
+std::vector<uint8_t> motionFileBytes(const std::vector<StarMotionEntry>& entries) {
+    std::vector<StarMotionRecord> records((entries.size() + kStarMotionEntriesPerRecord - 1) / kStarMotionEntriesPerRecord);
+    for (auto& r : records) std::memset(&r, 0, sizeof r);
+    for (size_t i = 0; i < entries.size(); ++i) records[i / kStarMotionEntriesPerRecord].entries[i % kStarMotionEntriesPerRecord] = entries[i];
+    std::vector<uint8_t> bytes = test::header(kStarMotionFileVersion, static_cast<uint32_t>(records.size()), sizeof(StarMotionRecord));
+    const auto* raw = reinterpret_cast<const uint8_t*>(records.data());
+    bytes.insert(bytes.end(), raw, raw + records.size() * sizeof(StarMotionRecord));
+    return bytes;
+}
+
+TEST_F(StarMotionFile, LooksUpByHipAndHrAndIgnoresPaddingAndDamage) {
+    forgetStarMotion();
+    std::vector<StarMotionEntry> entries;
+    for (int32_t hip = 1; hip <= 100; ++hip)
+        entries.push_back({hip * 3, hip == 50 ? 5340 : 0, hip * 3.0, -10.0, 1.5f, -2.5f});
+    entries.push_back({400, 0, std::nan(""), 0, 0, 0});  // a damaged entry is left out
+    test::writeBytes(kStarMotionFile, motionFileBytes(entries));
+    StarMotionEntry e{};
+    ASSERT_TRUE(findStarMotion(150, e));
+    EXPECT_EQ(e.hr, 5340);
+    EXPECT_DOUBLE_EQ(e.raDeg, 150.0);
+    EXPECT_FLOAT_EQ(e.pmDecMasPerYear, -2.5f);
+    ASSERT_TRUE(findStarMotionByHr(5340, e));
+    EXPECT_EQ(e.hip, 150);
+    for (int32_t absent : {0, -3, 1, 151, 400, 1000000}) EXPECT_FALSE(findStarMotion(absent, e)) << absent;
+    EXPECT_FALSE(findStarMotionByHr(0, e));
+    double ra = 1, dec = 2;
+    EXPECT_FALSE(starPlaceAtEpoch(151, 2026, ra, dec));
+    EXPECT_EQ(ra, 1);
+    EXPECT_EQ(dec, 2);
+    forgetStarMotion();
+}
+
+TEST_F(StarMotionFile, AbsentOrForeignFileMovesNothing) {
+    forgetStarMotion();
+    StarMotionEntry e{};
+    EXPECT_FALSE(findStarMotion(3, e));
+    forgetStarMotion();
+    test::writeBytes(kStarMotionFile, test::header(kStarMotionFileVersion, 1, 12));  // wrong record size
+    EXPECT_FALSE(findStarMotion(3, e));
+    forgetStarMotion();
+}
+
+// Against the built catalogues (NOCTURNEL_TEST_DATA).
+class StarMotionRealData : public ::testing::Test {
+protected:
+    void SetUp() override {
+        const char* env = std::getenv("NOCTURNEL_TEST_DATA");
+        if (!env || !*env) GTEST_SKIP() << "NOCTURNEL_TEST_DATA is not set";
+        data_ = env;
+        if (!std::filesystem::exists(data_ / kStarMotionFile)) GTEST_SKIP() << "no " << kStarMotionFile << " in " << data_;
+        setProgramFolder(data_.parent_path());
+        closeCatalogues();
+        resetNameIndex();
+        forgetStarMotion();
+        saved_ = prefs();
+    }
+    void TearDown() override {
+        prefs() = saved_;
+        closeCatalogues();
+        resetNameIndex();
+        forgetStarMotion();
+    }
+    std::filesystem::path data_;
+    Preferences saved_{};
+};
+
+// SIMBAD (ICRS, epoch J2000) places and proper motions, moved linearly to the epoch.
+struct PublishedStar {
+    const char* name;
+    int32_t hip;
+    double raHours, decDeg;        // J2000 at epoch J2000
+    double pmRaCosDec, pmDec;      // mas/yr
+    double toleranceArcsec;        // in 2026.9
+};
+const PublishedStar kPublished[] = {
+    // Barnard's star: SIMBAD 17 57 48.49847 +04 41 36.1139, pm -801.551 +10362.394 (Gaia DR3).
+    // Our source (Stellarium's Hipparcos places and hip_pm.dat) has +10277.30 mas/yr in Dec and
+    // a place of 2000 0.3" south: 2.6" short of Gaia by 2026.9, hence the wider tolerance.
+    {"Barnard's star", 87937, 17 + 57 / 60.0 + 48.49847 / 3600, 4 + 41 / 60.0 + 36.1139 / 3600, -801.551, 10362.394, 3.0},
+    // Arcturus: SIMBAD 14 15 39.67207 +19 10 56.6730, pm -1093.39 -2000.06 (Hipparcos, van Leeuwen 2007).
+    {"Arcturus", 69673, 14 + 15 / 60.0 + 39.67207 / 3600, 19 + 10 / 60.0 + 56.6730 / 3600, -1093.39, -2000.06, 0.1},
+};
+
+TEST_F(StarMotionRealData, FastStarsAtTheirPublishedPlaceIn2026) {
+    const double epoch = 2026.9;
+    for (const PublishedStar& p : kPublished) {
+        const StarMotionEntry published{p.hip, 0, p.raHours * 15, p.decDeg, static_cast<float>(p.pmRaCosDec),
+                                        static_cast<float>(p.pmDec)};
+        double expectedRa = 0, expectedDec = 0, ra = 0, dec = 0;
+        starPlaceAtEpoch(published, epoch, expectedRa, expectedDec);
+        ASSERT_TRUE(starPlaceAtEpoch(p.hip, epoch, ra, dec)) << p.name;
+        EXPECT_LT(separationArcsec(ra, dec, expectedRa, expectedDec), p.toleranceArcsec) << p.name;
+        // And the place of 2000 would now be far off (Barnard's star 280", Arcturus 61").
+        EXPECT_GT(separationArcsec(p.raHours, p.decDeg, expectedRa, expectedDec), 50) << p.name;
+    }
+}
+
+TEST_F(StarMotionRealData, TheFinderGivesTheFullPrecisionPlaceAtTheMoment) {
+    for (const PublishedStar& p : kPublished) {
+        StarMotionEntry source{};
+        ASSERT_TRUE(findStarMotion(p.hip, source)) << p.name;
+        FoundObject found;
+        // At J2000 the finder's place is the source's to 0.01" (the packed record is rounded).
+        prefs().moment = {2000, 1, 1, 12, 0, 0};
+        prefs().utcOffsetMin = 0;
+        ASSERT_TRUE(findObjectByName("HIP " + std::to_string(p.hip), found)) << p.name;
+        EXPECT_LT(separationArcsec(found.raHours, found.decDeg, source.raDeg / 15, source.decDeg), 0.01) << p.name;
+        // On a night of 2026 it is where the star is then.
+        prefs().moment = {2026, 11, 24, 3, 0, 0};
+        ASSERT_TRUE(findObjectByName("HIP " + std::to_string(p.hip), found)) << p.name;
+        double ra = 0, dec = 0;
+        starPlaceAtEpoch(source, julianEpochOf(2026, 11, 24, 3), ra, dec);
+        EXPECT_LT(separationArcsec(found.raHours, found.decDeg, ra, dec), 0.01) << p.name;
+    }
+    // Arcturus by its HR number and by its name moves the same way.
+    FoundObject byHr, byName;
+    ASSERT_TRUE(findObjectByName("HR 5340", byHr));
+    ASSERT_TRUE(findObjectByName("Arcturus", byName));
+    double ra = 0, dec = 0;
+    ASSERT_TRUE(starPlaceAtEpoch(69673, observingEpoch(), ra, dec));
+    EXPECT_LT(separationArcsec(byHr.raHours, byHr.decDeg, ra, dec), 0.01);
+    EXPECT_LT(separationArcsec(byName.raHours, byName.decDeg, ra, dec), 0.01);
+}
+
+}  // namespace
+}  // namespace nocturnel
