@@ -8,6 +8,7 @@
 #include "settings/message.h"
 #include "settings/preferences_file.h"
 #include "settings/program_folder.h"
+#include "shell/solar_system_hooks.h"
 
 namespace nocturnel {
 
@@ -83,6 +84,7 @@ int exitCode() { return exitCodeRef(); }
 
 bool startUp() {
     programStartTime();
+    registerSolarSystemHooks();
     const GlobalOptions& options = globalOptions();
     if (!options.home.empty()) setProgramFolder(options.home);
     if (!ensureProgramFolders()) {
