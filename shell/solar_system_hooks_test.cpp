@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -31,6 +32,7 @@ protected:
         fs::remove_all(home_);
         fs::create_directories(home_);
         fs::create_directory_symlink(fs::absolute(data), home_ / "data");
+        ::setenv("NOCTURNEL_SERIAL_SETTLE_MS", "0", 1);  // the simulated mount answers at once
         closeCatalogues();
         resetNameIndex();
         for (const auto& [field, value] : {std::pair{"latitudeDeg", "48.1"}, {"longitudeDeg", "1.8"}, {"utcOffsetMin", "60"}}) {
@@ -39,6 +41,7 @@ protected:
         }
     }
     void TearDown() override {
+        ::unsetenv("NOCTURNEL_SERIAL_SETTLE_MS");
         closeCatalogues();
         resetNameIndex();
         if (!home_.empty()) fs::remove_all(home_);
