@@ -32,7 +32,7 @@ SelectionCriteria everyCriterion() {
     c.magLimitChoice = 1;   // "Scope Limit"
     c.difficulty = 3;       // "Easy"
     c.sizeMatch = 1;
-    c.sizeReference = 100;  // best magnification near x100
+    c.sizeReference = 1;    // best magnification near that of the chosen eyepiece
     c.visibility = 1;       // "Visible"
     return c;
 }
@@ -52,15 +52,18 @@ void BM_RoamFullRun(benchmark::State& state) {
     if (openCatalogues() != 0) return state.SkipWithError("the catalogues cannot be opened");
     setUpSky();
     std::size_t found = 0;
+    SelectionOutcome outcome;
     for (auto _ : state) {
         SelectionCriteria c = everyCriterion();
         SelectionRunHooks hooks = selectionHooksFor(c, {});
         SelectionList list;
         list.capacity = 1 << 20;  // never full: every stage runs to its end
-        runSelection(c, hooks, list);
+        outcome = runSelection(c, hooks, list);
         found = list.items.size();
     }
     state.counters["selected"] = static_cast<double>(found);
+    state.counters["stages"] = static_cast<double>(outcome.stages.size());
+    state.counters["failed"] = outcome.failed ? 1 : 0;
     closeCatalogues();
 }
 
@@ -117,7 +120,7 @@ int main(int argc, char** argv) {
     benchmark::RegisterBenchmark("RoamFullRun", BM_RoamFullRun)->Unit(benchmark::kMillisecond);
     benchmark::RegisterBenchmark("RoamStopLatency", BM_RoamStopLatency)
         ->Arg(5)
-        ->Arg(30)
+        ->Arg(15)
         ->UseManualTime()
         ->Iterations(20)
         ->Unit(benchmark::kMillisecond);
