@@ -11,6 +11,7 @@
 #include "chart/chart_labels.h"
 #include "chart/chart_layers.h"
 #include "chart/label_layout.h"
+#include "chart/marked_objects_layer.h"
 #include "chart/milky_way_layer.h"
 #include "chart/star_names.h"
 #include "chart/solar_system_layer.h"
@@ -147,6 +148,7 @@ ChartSurface renderChart(const ChartRequest& request, ChartResult& result) {
     cairo_surface_mark_dirty(surface.get());
 
     drawSolarSystem(ctx, result.jdUt);
+    drawMarkedObjects(ctx, request.marked);
     std::vector<PlacedLabel> placed;
     placeLabels(ctx, chartLabels, &placed);
     for (const PlacedLabel& l : placed) result.labels.push_back({l.text, l.left, l.top, l.width, l.height});

@@ -38,6 +38,11 @@ inline constexpr int kTapClearancePixels = 20;
 // Stars brighter than this keep the centre of their disc free of labels.
 inline constexpr float kClearStarMagnitude = 3.0f;
 
+// An object of the current selection list, marked on the chart (J2000).
+struct MarkedPlace {
+    double raHours = 0, decDeg = 0;
+};
+
 struct ChartRequest {
     int width = 800, height = 800;        // pixels
     int zoomLevel = 0;                    // 0..12
@@ -57,6 +62,7 @@ struct ChartRequest {
     std::optional<ScreenPoint> tap;
     bool switchCatalogForZoom = true;     // open the star catalogue the zoom level wants
     bool precess = true;                  // J2000 places to the equator of date
+    std::vector<MarkedPlace> marked;      // the current list's objects, ringed
     StopRequested stopRequested;          // polled while loading field stars
     std::function<void(cairo_surface_t*)> present;  // shown the "Loading sky..." frame, then the chart
 };

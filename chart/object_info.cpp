@@ -8,6 +8,7 @@
 #include "catalog/constellations.h"
 #include "catalog/eyepieces.h"
 #include "catalog/objects.h"
+#include "chart/sun_moon_sky.h"
 #include "core/apparent_place.h"
 #include "settings/program_folder.h"
 
@@ -36,6 +37,16 @@ std::string isoLocalText(const CalendarDate& d) {
     char text[32];
     std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d", d.year, d.month, d.day, d.hour, d.minute, d.second);
     return text;
+}
+
+bool computeObjectInfo(const FoundObject& object, const ObservingMoment& moment, ObjectInfo& out) {
+    // The Sun's and the Moon's light depend on where the object stands: its place of date first.
+    double alt = 0, az = 0, ra = 0, dec = 0;
+    if (equatorialToHorizontal(object.raHours, object.decDeg, kTopocentricLevel, moment, &alt, &az, &ra, &dec) != 0)
+        return false;
+    SunMoonState sunMoon;
+    sunMoonStateAt(jdUtOfMoment(moment), ra, dec, &sunMoon);
+    return computeObjectInfo(object, moment, out, sunMoon);
 }
 
 bool computeObjectInfo(const FoundObject& object, const ObservingMoment& moment, ObjectInfo& out,

@@ -32,11 +32,13 @@ struct ObjectInfo {
     std::string eyepieceName;         // empty when none
 };
 
-// Fills the card for the moment and prefs(). sunMoon: the Sun and the Moon at the moment (a dark
-// sky until the solar-system code supplies them). False when the place cannot be reduced (the
-// reduction has shown its message).
+// Fills the card for the moment and prefs(), with the Sun and the Moon of the moment from the
+// solar-system positions (a dark sky when the planet file is missing). False when the place
+// cannot be reduced (the reduction has shown its message).
+bool computeObjectInfo(const FoundObject& object, const ObservingMoment& moment, ObjectInfo& out);
+// The same under a given Sun and Moon.
 bool computeObjectInfo(const FoundObject& object, const ObservingMoment& moment, ObjectInfo& out,
-                       const SunMoonState& sunMoon = {});
+                       const SunMoonState& sunMoon);
 
 // "2026-11-23T17:02:41"
 std::string isoLocalText(const CalendarDate& date);

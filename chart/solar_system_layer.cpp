@@ -26,14 +26,14 @@ Rgb3 bodyColour(SolarBody body) {
 }
 
 // The symbol's radius in pixels: the true disc when larger, else by brightness.
-double symbolRadius(const LayerContext& ctx, const SolarBodyReport& b, const ScreenPoint& centre) {
+double symbolRadius(const ChartView& view, const SkyFrame& frame, const SolarBodyReport& b, const ScreenPoint& centre) {
     double radius = b.body == SolarBody::Sun || b.body == SolarBody::Moon ? 5.0
                                                                            : std::clamp(3.5 - 0.4 * b.physical.magnitude, 1.5, 4.5);
     ScreenPoint edge;
     const double semiDiameterDeg = b.physical.diameterArcsec / 7200.0;
-    if (skyToScreen(ctx.view, ctx.frame, b.raJ2000Hours, std::clamp(b.decJ2000Deg + semiDiameterDeg, -90.0, 90.0), edge))
+    if (skyToScreen(view, frame, b.raJ2000Hours, std::clamp(b.decJ2000Deg + semiDiameterDeg, -90.0, 90.0), edge))
         radius = std::max(radius, std::hypot(edge.x - centre.x, edge.y - centre.y));
-    return radius * ctx.view.screenFactor;
+    return radius * view.screenFactor;
 }
 
 // The Moon: a dark disc and its lit part, the bright limb turned towards the Sun.
@@ -75,6 +75,35 @@ void drawMoonPhase(const LayerContext& ctx, const SolarBodyReport& moon, const S
 
 }  // namespace
 
+std::vector<DrawnSpot> solarSystemSpots(const ChartView& view, double jdUt) {
+    std::vector<DrawnSpot> spots;
+    std::error_code ec;
+    if (!std::filesystem::exists(dataPath(kPlanetSeriesFileName), ec)) return spots;
+    SkyRequest request = skyRequestFromPreferences(false);
+    request.jdUt = jdUt;
+    SolarSystemReport report;
+    if (solarSystemAt(request, &report) != 0) return spots;
+    const SkyFrame frame = skyFrameForDate(jdUt);
+    for (const SolarBodyReport& b : report.bodies) {
+        ScreenPoint p;
+        if (!skyToScreen(view, frame, b.raJ2000Hours, b.decJ2000Deg, p)) continue;
+        DrawnSpot spot;
+        IdentifiedObject& o = spot.object;
+        o.found = true;
+        o.kind = b.body == SolarBody::Sun ? "sun" : b.body == SolarBody::Moon ? "moon" : "planet";
+        o.name = o.designation = solarBodyName(b.body);
+        o.raHours = b.raJ2000Hours;
+        o.decDeg = b.decJ2000Deg;
+        o.mag = b.physical.magnitude;
+        o.magKnown = true;
+        o.x = static_cast<int>(std::lround(p.x));
+        o.y = static_cast<int>(std::lround(p.y));
+        spot.radiusPx = symbolRadius(view, frame, b, p);
+        spots.push_back(std::move(spot));
+    }
+    return spots;
+}
+
 void drawSolarSystem(const LayerContext& ctx, double jdUt) {
     std::error_code ec;
     if (!std::filesystem::exists(dataPath(kPlanetSeriesFileName), ec)) return;
@@ -88,7 +117,7 @@ void drawSolarSystem(const LayerContext& ctx, double jdUt) {
         const SolarBodyReport& b = report.bodies[i];
         ScreenPoint p;
         if (!skyToScreen(ctx.view, ctx.frame, b.raJ2000Hours, b.decJ2000Deg, p)) continue;
-        const double r = symbolRadius(ctx, b, p);
+        const double r = symbolRadius(ctx.view, ctx.frame, b, p);
         if (b.body == SolarBody::Moon) {
             drawMoonPhase(ctx, b, report.bodies[0], p, r);
         } else {

@@ -32,6 +32,7 @@ ObserverLog newObserverLog(std::string_view objectLatin1, const ObservingMoment&
     log.minute = moment.minute;
     log.moonPct = sky.moonIlluminatedPct;
     log.sunAltDeg = sky.sunAltitudeDeg;
+    log.visualMagX10 = sky.visualLimitMagX10;
     const Preferences& p = prefs();
     log.location = std::string(p.siteName, strnlen(p.siteName, sizeof p.siteName));
     log.scope = telescopeText(p);

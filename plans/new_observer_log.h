@@ -11,7 +11,12 @@ namespace nocturnel {
 struct NewLogSky {
     int moonIlluminatedPct = 0;   // the Moon's illuminated fraction at the moment
     int sunAltitudeDeg = 0;       // the Sun's altitude at the moment
+    int visualLimitMagX10 = 0;    // the naked-eye limiting magnitude x 10 of the visibility estimate
 };
+
+// The sky of a new log at a local moment: the Moon and the Sun from the solar-system positions
+// (zeros when the planet file is missing) and the naked-eye limit of the visibility estimate.
+NewLogSky newLogSkyAt(const ObservingMoment& moment);
 
 // The log of an object (Latin-1 name) observed at a local moment. The object is looked up in
 // the catalogues without a message; an object they do not know keeps position, type and

@@ -1,10 +1,14 @@
 #include "shell/api_chart.h"
 
+#include <cmath>
+#include <cstdint>
 #include <cstdio>
+#include <string>
 
 #include "chart/chart_view.h"
 #include "chart/sky_frame.h"
 #include "core/time.h"
+#include "shell/selection_marks.h"
 
 namespace nocturnel {
 
@@ -38,6 +42,7 @@ ChartRequest chartRequestFor(const ChartQuery& q, const Preferences& p) {
     request.projectionMode = q.mode.value_or(p.chartProjectionMode);
     request.rotationDeg = q.rotate;
     request.moment = q.time.value_or(p.moment);
+    request.marked = currentSelectionMarks();
     if (q.az && q.alt) {
         request.centreAzDeg = q.az;
         request.centreAltDeg = q.alt;
@@ -62,7 +67,11 @@ std::string chartQueryKey(const ChartRequest& r, int nightMode) {
                   r.width, r.height, r.resolutionFactor, r.zoomLevel, r.projectionMode, r.rotationDeg.value_or(9999),
                   nightMode, r.centreAzDeg.value_or(-1), r.centreAltDeg.value_or(-99), r.centreRaHours.value_or(-1),
                   r.centreDecDeg.value_or(-99), m.year, m.month, m.day, m.hour, m.minute, m.second);
-    return key;
+    // The marked list changes the picture too.
+    uint64_t marks = 1469598103934665603ull;
+    for (const MarkedPlace& place : r.marked)
+        for (const double v : {place.raHours, place.decDeg}) marks = (marks ^ static_cast<uint64_t>(std::llround(v * 1e6))) * 1099511628211ull;
+    return std::string(key) + " k" + std::to_string(r.marked.size()) + ":" + std::to_string(marks);
 }
 
 std::optional<ScreenPoint> chartPointOfHorizontal(const ChartQuery& query, const Preferences& p, double azDeg,

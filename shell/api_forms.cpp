@@ -18,6 +18,7 @@
 #include "settings/text_encoding.h"
 #include "shell/api_prefs.h"
 #include "shell/api_scope.h"
+#include "shell/engine_prefs.h"
 #include "shell/engine.h"
 #include "shell/form_descriptions.h"
 #include "shell/http_readers.h"
@@ -66,15 +67,7 @@ bool submitPreferencePage(const std::string& id, const nlohmann::json& body) {
         }
     }
     if (values.empty()) return true;  // nothing changed (Prev/Next/Ok without edits)
-    Preferences edited = prefs();
-    if (!setPreferencesFromJson(edited, values)) return false;
-    const Preferences before = prefs();
-    prefs() = edited;
-    if (!savePreferences(prefs())) {
-        prefs() = before;
-        return false;
-    }
-    return true;
+    return updateEnginePrefs([&values](Preferences& saved) { return setPreferencesFromJson(saved, values); });
 }
 
 // ---- Location page ----
@@ -114,7 +107,9 @@ bool submitLocationPage(const nlohmann::json& body, nlohmann::json& form) {
         showMessage("Unknown action", action);
         return false;
     }
-    if (!savePreferences(prefs())) return false;
+    // The page's site block onto the saved record (a command line's other changes kept).
+    const Preferences edited = prefs();
+    if (!updateEnginePrefs([&edited](Preferences& saved) { return copyLocationBlock(edited, saved); })) return false;
     form = describeLocationPage(fields);
     return ok;
 }
@@ -182,8 +177,13 @@ bool submitDateDialog(const nlohmann::json& body, nlohmann::json& form) {
         if (shownUt) setDateDialogShowsUt(d, true, offset);
     } else if (action == "accept") {
         prefs().moment = acceptDateDialog(d, offset);
-        if (timeUpdate) prefs().timeUpdate = *timeUpdate;
-        if (!savePreferences(prefs())) return false;
+        const ObservingMoment moment = prefs().moment;
+        if (!updateEnginePrefs([&](Preferences& saved) {
+                saved.moment = moment;
+                if (timeUpdate) saved.timeUpdate = static_cast<decltype(saved.timeUpdate)>(*timeUpdate);
+                return true;
+            }))
+            return false;
         d = openDateDialog(prefs().moment);
     } else {
         showMessage("Unknown action", action);

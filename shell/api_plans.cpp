@@ -276,7 +276,7 @@ void registerLogRoutes(httplib::Server& s, Engine& engine) {
             } else {
                 if (index >= 0) return refuseLog("A log of " + *utf8 + " exists already", "Open it to change it.");
                 bool found = false;
-                record = newObserverLog(*name, prefs().moment, NewLogSky{}, found);
+                record = newObserverLog(*name, prefs().moment, newLogSkyAt(prefs().moment), found);
                 if (!applyLogFields(*fields, record)) return false;
                 if (fields->object && observerLogIndex(record.object) >= 0)
                     return refuseLog("A log of " + *fields->object + " exists already", "Choose another name.");

@@ -23,6 +23,7 @@
 #include "shell/api_sky.h"
 #include "shell/chart_identify.h"
 #include "shell/engine.h"
+#include "shell/engine_prefs.h"
 #include "shell/http_readers.h"
 #include "shell/http_reply.h"
 
@@ -83,14 +84,7 @@ void registerStateRoutes(httplib::Server& s, Engine& engine) {
         const auto body = readJsonBody(req, res);
         if (!body) return;
         answerJob(engine, res, [&](nlohmann::json& out) {
-            Preferences edited = prefs();
-            if (!setPreferencesFromJson(edited, *body)) return false;
-            const Preferences before = prefs();
-            prefs() = edited;
-            if (!savePreferences(prefs())) {
-                prefs() = before;
-                return false;
-            }
+            if (!updateEnginePrefs([&](Preferences& saved) { return setPreferencesFromJson(saved, *body); })) return false;
             out = prefsJson(prefs());
             return true;
         });

@@ -9,6 +9,7 @@
 #include "settings/preferences_file.h"
 #include "settings/program_folder.h"
 #include "settings/text_encoding.h"
+#include "shell/solar_system_hooks.h"
 
 namespace nocturnel {
 
@@ -84,6 +85,7 @@ int exitCode() { return exitCodeRef(); }
 
 bool startUp() {
     programStartTime();
+    registerSolarSystemHooks();
     const GlobalOptions& options = globalOptions();
     if (!options.home.empty()) setProgramFolder(options.home);
     if (!ensureProgramFolders()) {

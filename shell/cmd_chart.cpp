@@ -15,6 +15,7 @@
 #include "core/angle_text.h"
 #include "settings/preferences.h"
 #include "settings/message.h"
+#include "shell/selection_marks.h"
 #include "shell/app.h"
 #include "shell/identify_json.h"
 #include "shell/commands.h"
@@ -104,6 +105,7 @@ void runChart(const ChartOptions& o) {
     }
     request.width = width;
     request.height = height;
+    request.marked = currentSelectionMarks();
     request.zoomLevel = o.zoom;
     request.projectionMode = o.mode;
     request.resolutionFactor = o.scale;

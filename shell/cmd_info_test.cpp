@@ -40,9 +40,9 @@ protected:
         resetNameIndex();
         if (!home_.empty()) fs::remove_all(home_);
     }
-    CliRun run(std::vector<std::string> args) {
+    CliRun run(std::vector<std::string> args, const std::string& date = "2026-06-15") {
         prefs() = Preferences{};
-        args.insert(args.begin(), {"--home", home_.string(), "--date", "2026-06-15", "--time", "23:30"});
+        args.insert(args.begin(), {"--home", home_.string(), "--date", date, "--time", "23:30"});
         return runCommandLine(std::move(args));
     }
     nlohmann::json info(const std::string& sky, const std::string& aperture, const std::string& name) {
@@ -71,6 +71,15 @@ TEST_F(InfoCommand, M13EasyAtADarkSiteHarderInTown) {
     EXPECT_EQ(dark["transit"].get<std::string>().size(), 19u);
     const nlohmann::json town = info("Town", "203", "M 13");
     EXPECT_LT(town["visibility"]["ratio"].get<double>(), dark["visibility"]["ratio"].get<double>());
+}
+
+TEST_F(InfoCommand, M13HarderUnderTheFullMoon) {
+    // 2026-06-15 is a new Moon, 2026-06-29 a full Moon standing high at 23:30.
+    const nlohmann::json moonless = info("Desert/Mountain", "203", "M 13");
+    const CliRun full = run({"info", "M 13", "--sky", "Desert/Mountain", "--json"}, "2026-06-29");
+    ASSERT_EQ(full.exit, 0) << full.titles();
+    const nlohmann::json moonlit = full.json();
+    EXPECT_LT(moonlit["visibility"]["ratio"].get<double>(), moonless["visibility"]["ratio"].get<double>() - 0.1);
 }
 
 TEST_F(InfoCommand, M101TooFaintInTownWithSixtyMillimetres) {

@@ -127,7 +127,7 @@ void registerLogCommand(CLI::App& app) {
             if (observerLogIndex(*name) >= 0)
                 return refuseLog("A log of " + *newName + " exists already", "Use nocturnel log edit to change it.");
             bool found = false;
-            ObserverLog record = newObserverLog(*name, prefs().moment, NewLogSky{}, found);
+            ObserverLog record = newObserverLog(*name, prefs().moment, newLogSkyAt(prefs().moment), found);
             if (!applyLogFields(*newFields, record) || !saveObserverLog(record, -1)) return false;
             if (!found && !globalOptions().json)
                 std::cout << "Not in the catalogues: the position, type and magnitude are yours to give.\n";

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "catalog/catalogues.h"
+#include "catalog/name_index.h"
 #include "settings/message.h"
 #include "settings/preferences.h"
 #include "shell/cli_test_runner.h"
@@ -23,8 +25,14 @@ protected:
         fs::remove_all(home_);
         fs::create_directories(home_);
         if (const char* data = std::getenv("NOCTURNEL_TEST_DATA")) fs::create_directory_symlink(data, home_ / "data");
+        closeCatalogues();  // the catalogues of an earlier test's folder
+        resetNameIndex();
     }
-    void TearDown() override { fs::remove_all(home_); }
+    void TearDown() override {
+        closeCatalogues();
+        resetNameIndex();
+        fs::remove_all(home_);
+    }
     CliRun run(std::vector<std::string> args) {
         prefs() = Preferences{};
         args.insert(args.begin(), {"--home", home_.string()});
@@ -75,6 +83,31 @@ TEST_F(LogCommands, ThreeObjectsLoggedExportedAndMovedThroughOal) {
     ASSERT_EQ(show.exit, 0);
     EXPECT_EQ(show.json()["note"], "Resolved");
     EXPECT_EQ(show.json()["time"], "21:30");
+}
+
+TEST_F(LogCommands, NewLogTakesTheMoonTheSunAndTheEyesLimitOfTheMoment) {
+    if (!fs::exists(home_ / "data" / "nocturnel_planets.ppc")) GTEST_SKIP() << "no planet file";
+    ASSERT_EQ(run({"site", "set", "--lat", "48.1", "--lon", "-1.8", "--utc-offset", "60"}).exit, 0);
+    for (const auto& [field, value] : std::vector<std::pair<std::string, std::string>>{
+             {"ageIndex", "35"}, {"visionIndex", "10/10"}, {"experience", "Hobbyst"}})
+        ASSERT_EQ(run({"prefs", "set", field, value}).exit, 0) << field;
+    // 2026-11-24 is a full Moon, high at midnight; on 2026-12-03 at 05:00 a waning Moon, past its last quarter.
+    ASSERT_EQ(run({"--date", "2026-11-24", "--time", "23:50", "log", "new", "M 42"}).exit, 0);
+    ASSERT_EQ(run({"--date", "2026-12-03", "--time", "05:00", "log", "new", "M 13"}).exit, 0);
+    const CliRun full = run({"log", "show", "M 42", "--json"});
+    const CliRun crescent = run({"log", "show", "M 13", "--json"});
+    ASSERT_EQ(full.exit, 0);
+    ASSERT_EQ(crescent.exit, 0);
+    EXPECT_GE(full.json()["moonPct"].get<int>(), 95);
+    EXPECT_LT(full.json()["sunAltDeg"].get<int>(), -50);
+    EXPECT_LT(crescent.json()["moonPct"].get<int>(), 70);
+    EXPECT_GT(crescent.json()["moonPct"].get<int>(), 10);
+    // The full Moon brightens the sky: the eyes' limit is lower than under the crescent before dawn.
+    const double moonlit = full.json()["visualMag"].get<double>();
+    const double darker = crescent.json()["visualMag"].get<double>();
+    EXPECT_GT(moonlit, 3.0);
+    EXPECT_LT(darker, 7.5);
+    EXPECT_LT(moonlit, darker);
 }
 
 TEST_F(LogCommands, EditRenamesAndRefusesWhatCannotBeStored) {

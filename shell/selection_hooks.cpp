@@ -1,10 +1,16 @@
 #include "shell/selection_hooks.h"
 
 #include <cmath>
+#include <filesystem>
+#include <memory>
 
 #include "catalog/eyepieces.h"
+#include "chart/sun_moon_sky.h"
+#include "chart/visibility.h"
 #include "core/time.h"
+#include "plans/selection_sky.h"
 #include "settings/message.h"
+#include "settings/program_folder.h"
 
 namespace nocturnel {
 
@@ -26,6 +32,24 @@ SelectionRunHooks selectionHooksFor(SelectionCriteria& c, std::function<bool()> 
         if (chosenEyepieceField(field))
             hooks.conditions.eyepieceMagnification = eyepieceMagnification(field.eyepiece, telescopeFocalLengthMm());
     }
+    // The estimate of the moment: the Sun and the Moon where they stand, this observer and telescope.
+    std::vector<EyepieceRecord> eyepieces;
+    std::error_code ec;
+    if (std::filesystem::exists(dataPath(kEyepieceFile), ec)) {
+        MessageCapture quiet;
+        loadEyepieces(eyepieces);
+    }
+    const double jdUt = jdUtOfMoment(m);
+    SunMoonState sunMoon;
+    sunMoonStateAt(jdUt, &sunMoon);
+    auto visibility = std::make_shared<const VisibilityConditions>(
+        prepareVisibility(visibilitySetupFromPreferences(p, eyepieces, sunMoon)));
+    refreshLimitMagnitudes(c, *visibility);
+    const double lst = hooks.conditions.localSiderealHours, latitude = hooks.conditions.latitudeDeg;
+    hooks.conditions.estimate = [visibility, lst, latitude](const ObjectReference& object) {
+        return estimateForSelection(object, *visibility, lst, latitude);
+    };
+    hooks.planets = [jdUt] { return solarSystemReferences(jdUt); };
     hooks.stopRequested = std::move(stopRequested);
     return hooks;
 }

@@ -48,7 +48,14 @@ std::string joinedName(const std::vector<std::string>& words) {
 }
 
 void addTargetFinder(TargetFinder finder) { finders().push_back(std::move(finder)); }
-void clearTargetFinders() { finders().clear(); }
+namespace {
+int gTargetFinderGeneration = 0;
+}
+void clearTargetFinders() {
+    finders().clear();
+    ++gTargetFinderGeneration;
+}
+int targetFinderGeneration() { return gTargetFinderGeneration; }
 
 bool resolveTarget(std::string_view typed, ResolvedTarget& out) {
     const std::string name = trimmed(typed);

@@ -24,6 +24,8 @@ struct ResolvedTarget {
 using TargetFinder = std::function<bool(std::string_view name, const ObservingMoment& moment, ResolvedTarget& out)>;
 void addTargetFinder(TargetFinder finder);
 void clearTargetFinders();  // tests
+// Counts the clearings, so that a finder registered once at start-up can be registered again.
+int targetFinderGeneration();
 
 // A name typed as several words on the command line (`where M 42`), joined by single spaces.
 std::string joinedName(const std::vector<std::string>& words);
