@@ -160,12 +160,13 @@ void registerChartRoutes(httplib::Server& s, Engine& engine) {
         QueryReader r(req.params);
         ChartQuery query;
         if (!readChartQuery(r, query)) return replyError(res, 400, r.error());
+        // The engine draws; the PNG is encoded here, on the request's own thread, so that the
+        // engine is free for the next request meanwhile.
+        ChartSurface surface;
+        const std::vector<Message> messages = engine.run([&] { surface = drawChart(engine, query, *cache); });
         std::vector<uint8_t> png;
-        bool ok = false;
-        const std::vector<Message> messages = engine.run([&] {
-            ChartSurface surface = drawChart(engine, query, *cache);
-            ok = surface && encodePng(surface.get(), png);
-        });
+        const bool ok = surface && encodePng(surface.get(), png);
+        surface.reset();
         if (!ok) return replyFromJob(res, false, {}, messages);
         res.status = 200;
         res.set_header("Cache-Control", "no-store");
