@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 
 #include "catalog/constellations.h"
@@ -26,10 +27,13 @@ constexpr std::array<GroupChoice, 7> kGroups = {{{"No Criteria", 0}, {"Planet", 
                                                   {"Double Star", 6}, {"Cluster", 1}, {"Star", 5}}};
 
 std::string lower(std::string_view s) {
-    std::string out(s);
-    for (char& c : out) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    // The degree sign may come as UTF-8.
-    for (std::size_t p; (p = out.find("\xC2\xB0")) != std::string::npos;) out.replace(p, 2, "\xB0");
+    std::string out;
+    out.reserve(s.size());
+    for (std::size_t i = 0; i < s.size(); ++i) {
+        // The degree sign may come as UTF-8 (C2 B0): it is kept as the record's single byte.
+        if (s[i] == '\xC2' && i + 1 < s.size() && s[i + 1] == '\xB0') continue;
+        out += static_cast<char>(std::tolower(static_cast<unsigned char>(s[i])));
+    }
     return out;
 }
 
@@ -130,7 +134,12 @@ bool setCriterion(SelectionCriteria& c, Criterion which, std::string_view value)
 }
 
 std::string criterionText(const SelectionCriteria& c, Criterion which) {
-    if (which == Criterion::kSize) return c.sizeMatch ? "x" + std::to_string(c.sizeReference) : std::string(kNoCriteria);
+    if (which == Criterion::kSize) {
+        if (!c.sizeMatch) return std::string(kNoCriteria);
+        char text[24];
+        std::snprintf(text, sizeof text, "x%d", static_cast<int>(c.sizeReference));
+        return text;
+    }
     int16_t v = fieldOf(const_cast<SelectionCriteria&>(c), which);
     if (which == Criterion::kGroup) {
         for (const auto& g : kGroups)
