@@ -25,15 +25,6 @@
 namespace nocturnel {
 namespace {
 
-std::string constellationAbbreviation(double raJ2000Hours, double decJ2000Deg) {
-    const int n = constellationOf(raJ2000Hours, decJ2000Deg);
-    const auto& list = constellations().constellations;
-    if (n < 0 || n >= static_cast<int>(list.size())) return {};
-    char text[sizeof list[n].abbreviation + 1] = {};
-    std::memcpy(text, list[n].abbreviation, sizeof list[n].abbreviation);
-    return text;
-}
-
 std::string clockText(const nlohmann::json& isoOrNull) {
     return isoOrNull.is_string() ? isoOrNull.get<std::string>().substr(11, 5) : "--:--";
 }

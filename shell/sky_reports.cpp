@@ -25,7 +25,6 @@
 #include "shell/star_names.h"
 
 namespace nocturnel {
-namespace {
 
 std::string constellationAbbreviation(double raJ2000Hours, double decJ2000Deg) {
     const int n = constellationOf(raJ2000Hours, decJ2000Deg);
@@ -35,6 +34,8 @@ std::string constellationAbbreviation(double raJ2000Hours, double decJ2000Deg) {
     std::memcpy(text, list[n].abbreviation, sizeof list[n].abbreviation);
     return text;
 }
+
+namespace {
 
 }  // namespace
 

@@ -7,6 +7,9 @@
 
 namespace nocturnel {
 
+// Abbreviation of the constellation holding a J2000 place ("Tau"); empty when unknown.
+std::string constellationAbbreviation(double raJ2000Hours, double decJ2000Deg);
+
 bool planetsReportJson(nlohmann::json& out);
 // Rise, transit and set of a body, a bright star or a catalogue object on the local day.
 bool riseReportJson(const std::string& name, nlohmann::json& out);
