@@ -38,6 +38,7 @@
 #include "settings/message.h"
 #include "settings/preferences.h"
 #include "settings/preferences_file.h"
+#include "settings/text_encoding.h"
 #include "shell/app.h"
 #include "shell/commands.h"
 #include "shell/drive_options.h"
@@ -133,6 +134,14 @@ std::optional<int> directionCode(const std::string& text) {
     if (text == "e" || text == "E" || text == "east") return 2;
     if (text == "w" || text == "W" || text == "west") return 3;
     return std::nullopt;
+}
+
+// The direction's code, or the program's message naming what was typed (Latin-1, as every
+// message is) and the four accepted letters.
+std::optional<int> directionOrMessage(const std::string& text) {
+    auto direction = directionCode(text);
+    if (!direction) showMessage("Unknown direction \"" + utf8ToLatin1ForMessage(text) + "\"", "Use n, s, e or w.");
+    return direction;
 }
 
 // Set from the global --answer option when the command line gave one.
@@ -304,11 +313,8 @@ void runRate(const ScopeOptions& o) {
 
 void runMove(const ScopeOptions& o) {
     if (!prepare(o)) return fail();
-    auto direction = directionCode(o.direction);
-    if (!direction) {
-        showMessage("Unknown direction", o.direction);
-        return fail();
-    }
+    auto direction = directionOrMessage(o.direction);
+    if (!direction) return fail();
     if (!slewingAvailable()) return fail();
     // The rate lives in the protocol module for this run only: set it in the same run.
     if (o.rate >= 0 && !succeeded(scopeSetSlewRate, o.rate)) return fail();
@@ -328,11 +334,8 @@ void runStop(const ScopeOptions& o) {
         if (!succeeded([](int) { return scopeStopAll(); }, 0)) return fail();
         return printDone("Stop");
     }
-    auto direction = directionCode(o.direction);
-    if (!direction) {
-        showMessage("Unknown direction", o.direction);
-        return fail();
-    }
+    auto direction = directionOrMessage(o.direction);
+    if (!direction) return fail();
     if (!stopMove(*direction)) return fail();
     printDone("Stop " + o.direction, {{"direction", *direction}});
 }

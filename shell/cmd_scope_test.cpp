@@ -268,6 +268,24 @@ TEST_F(ScopeCommand, MoveNorthMovesTheLx200SimulatorAndStopLeavesItStill) {
     EXPECT_NEAR(jsonNumber(second, "dec"), jsonNumber(first, "dec"), 1e-9);  // stopped means still
 }
 
+// A mistyped direction is named back (typed UTF-8 shown as the messages' Latin-1) and nothing
+// reaches the mount, for move and for stop.
+TEST_F(ScopeCommand, AnUnknownDirectionIsNamedAndNothingIsSent) {
+    auto model = std::make_shared<Lx200MountModel>(lx200MountForDrive(kDriveLx200, true, 6.0, 10.0));
+    PtyMount mount(makeLx200Responder(model));
+    const std::string port = mount.devicePath();
+    for (const char* verb : {"move", "stop"}) {
+        CliRun r = run({"scope", "--drive", "LX200", "--port", port, verb, "nord\xc3\xa9"});
+        EXPECT_EQ(r.exit, 1) << verb;
+        ASSERT_EQ(r.messages.size(), 1u) << verb << r.titles();
+        EXPECT_EQ(r.messages[0].title, "Unknown direction \"nord\xe9\"") << verb;
+        EXPECT_EQ(r.messages[0].detail, "Use n, s, e or w.") << verb;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    EXPECT_EQ(mount.received().find(":M"), std::string::npos) << mount.received();
+    EXPECT_EQ(mount.received().find(":Q"), std::string::npos) << mount.received();
+}
+
 std::string packetBytes(const NexStarPacket& packet) { return {packet.begin(), packet.end()}; }
 
 int takahashiMotion(TakahashiSimulation& sim) {
