@@ -1,6 +1,7 @@
 #include "catalog/object_finder.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstring>
 #include <filesystem>
 #include <map>
@@ -231,7 +232,18 @@ bool findObjectByName(std::string_view text, FoundObject& out) {
         }
         return true;
     }
-    if (!name.empty() && gSolarSystemFind && gSolarSystemFind(name, out)) return true;
+    if (!name.empty() && gSolarSystemFind) {
+        if (gSolarSystemFind(name, out)) return true;
+        // A body's name the solar system could not place (no planet file, Pluto out of its
+        // series' span) has had its message.
+        if (gSolarSystemSuggest)
+            for (const std::string& body : gSolarSystemSuggest(name, 16))
+                if (body.size() == name.size() &&
+                    std::equal(body.begin(), body.end(), name.begin(), [](char a, char b) {
+                        return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
+                    }))
+                    return false;
+    }
     const auto entries = entriesNamed(name);
     if (!entries.empty()) {
         const NameEntry& entry = *entries.front();

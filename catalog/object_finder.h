@@ -32,7 +32,8 @@ struct FoundObject {
 
 // Solar-system bodies ("Mars", "Moon") are found by the solar-system code: it sets these hooks
 // at start-up. The finder asks it after the catalogue designations and before the name file;
-// the suggestions ask it first.
+// the suggestions ask it first. A false answer for a body's own name ends the search: the
+// solar-system code has shown why (no planet file, Pluto outside 1885-2099).
 using SolarSystemFinder = bool (*)(std::string_view name, FoundObject& out);
 using SolarSystemSuggester = std::vector<std::string> (*)(std::string_view prefix, std::size_t limit);
 void setSolarSystemFinder(SolarSystemFinder find, SolarSystemSuggester suggest);

@@ -1,6 +1,7 @@
 #include "core/delta_t_model.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 
 #include "core/astro_constants.h"
@@ -66,18 +67,71 @@ double joined(double y, double (*formula)(double)) {
     return formula(y) + (shift + (observedSlope - formulaSlope) * (y - edge)) * fade;
 }
 
+bool isObserved(double y) { return y >= kObservedDeltaTFirstYear && y <= lastObservedDeltaTYear(); }
+
+double extrapolated(double y, int formula) {
+    return joined(y, formula == kDeltaTChaprontTouze1997 ? chaprontTouze : espenakMeeus);
+}
+
+// The weight of the user's correction at year y: rising from 0 at the table's end to 1 at the
+// present, then fading over a century. Zero before the table's end, or when the present is
+// not past it (the observed values already know that DeltaT).
+double currentWeight(double y, double presentYear) {
+    const double end = lastObservedDeltaTYear();
+    if (!(presentYear > end) || !(y > end)) return 0.0;
+    if (y <= presentYear) return (y - end) / (presentYear - end);
+    return std::max(0.0, 1.0 - (y - presentYear) / 100.0);
+}
+
 }  // namespace
 
 double decimalYearOfJd(double jd) { return 2000.0 + (jd - kJ2000Jd) / 365.25; }
 
-double deltaTSecondsFor(double jdUt, int formula) {
-    const double y = decimalYearOfJd(jdUt);
-    const double last = kObservedDeltaTFirstYear + (kObservedDeltaTCount - 1) * kObservedDeltaTStepYears;
-    if (y >= kObservedDeltaTFirstYear && y <= last) return observed(y);
-    return joined(y, formula == kDeltaTChaprontTouze1997 ? chaprontTouze : espenakMeeus);
+double lastObservedDeltaTYear() {
+    return kObservedDeltaTFirstYear + (kObservedDeltaTCount - 1) * kObservedDeltaTStepYears;
 }
 
-double modelDeltaTSeconds(double jdUt) { return deltaTSecondsFor(jdUt, prefs().deltaTFormula); }
+double deltaTSecondsFor(double jdUt, int formula, const std::optional<CurrentDeltaT>& current) {
+    const double y = decimalYearOfJd(jdUt);
+    if (isObserved(y)) return observed(y);
+    double dt = extrapolated(y, formula);
+    if (current) {
+        const double presentYear = decimalYearOfJd(current->jdUt);
+        const double w = currentWeight(y, presentYear);
+        if (w > 0.0) dt += (current->seconds - extrapolated(presentYear, formula)) * w;
+    }
+    return dt;
+}
+
+DeltaTSource deltaTSourceFor(double jdUt, const std::optional<CurrentDeltaT>& current) {
+    const double y = decimalYearOfJd(jdUt);
+    if (isObserved(y)) return DeltaTSource::Observed;
+    if (current && currentWeight(y, decimalYearOfJd(current->jdUt)) > 0.0) return DeltaTSource::Current;
+    return DeltaTSource::Formula;
+}
+
+const char* deltaTSourceName(DeltaTSource source) {
+    switch (source) {
+        case DeltaTSource::Observed: return "observed";
+        case DeltaTSource::Current: return "current";
+        case DeltaTSource::Formula: break;
+    }
+    return "formula";
+}
+
+std::optional<CurrentDeltaT> currentDeltaTFromPreferences() {
+    const float seconds = prefs().deltaTSeconds;
+    if (seconds == kCurrentDeltaTDefault || !(seconds >= 40.0f && seconds <= 200.0f)) return std::nullopt;
+    using namespace std::chrono;
+    const double unixSeconds = duration<double>(system_clock::now().time_since_epoch()).count();
+    return CurrentDeltaT{2440587.5 + unixSeconds / kSecondsPerDay, seconds};
+}
+
+double modelDeltaTSeconds(double jdUt) {
+    return deltaTSecondsFor(jdUt, prefs().deltaTFormula, currentDeltaTFromPreferences());
+}
+
+DeltaTSource modelDeltaTSource(double jdUt) { return deltaTSourceFor(jdUt, currentDeltaTFromPreferences()); }
 
 double ttFromUt(double jdUt) { return jdUt + modelDeltaTSeconds(jdUt) / kSecondsPerDay; }
 

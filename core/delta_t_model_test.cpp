@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+
 #include "core/astro_constants.h"
 #include "settings/preferences.h"
 
@@ -59,6 +61,62 @@ TEST(DeltaTModel, PreferenceChoosesAndTtRoundTrips) {
     EXPECT_DOUBLE_EQ(modelDeltaTSeconds(jd), deltaTSecondsFor(jd, kDeltaTChaprontTouze1997));
     EXPECT_NEAR(utFromTt(ttFromUt(jd)), jd, 1e-9);
     prefs().deltaTFormula = 0;
+}
+
+// "Current DeltaT": the user's value holds on the day it is given for, the observed table is
+// left alone, and the extrapolation joins it without a jump on either side.
+TEST(DeltaTModel, CurrentValueHoldsTodayAndLeavesTheObservedTableAlone) {
+    const double today = jdOfYear(2026.9);
+    const double end = lastObservedDeltaTYear();
+    for (int formula : {kDeltaTChaprontTouze1997, kDeltaTJplHorizon})
+        for (double user : {62.0, 69.3, 80.0}) {
+            const CurrentDeltaT current{today, user};
+            EXPECT_NEAR(deltaTSecondsFor(today, formula, current), user, 1e-9) << formula << " " << user;
+            EXPECT_EQ(deltaTSourceFor(today, current), DeltaTSource::Current);
+            // History is measured: 1990 and the table's last value do not move.
+            for (double year : {1990.0, end})
+                EXPECT_DOUBLE_EQ(deltaTSecondsFor(jdOfYear(year), formula, current), deltaTSecondsFor(jdOfYear(year), formula))
+                    << year;
+            EXPECT_EQ(deltaTSourceFor(jdOfYear(1990.0), current), DeltaTSource::Observed);
+            // No jump just past the table's end, nor a day either side of today.
+            EXPECT_NEAR(deltaTSecondsFor(jdOfYear(end) + 0.01, formula, current), deltaTSecondsFor(jdOfYear(end), formula), 0.01);
+            EXPECT_NEAR(deltaTSecondsFor(today - 1.0, formula, current), user, 0.05);
+            EXPECT_NEAR(deltaTSecondsFor(today + 1.0, formula, current), user, 0.05);
+            // Half-way between the table's end and today, half-way between the two values
+            // (the formula itself moves by under a second there).
+            const double mid = 0.5 * (end + 2026.9);
+            const double expected = 0.5 * (deltaTSecondsFor(jdOfYear(end), formula) + user);
+            EXPECT_NEAR(deltaTSecondsFor(jdOfYear(mid), formula, current), expected, 1.0);
+            // A century on, the published formula alone.
+            EXPECT_DOUBLE_EQ(deltaTSecondsFor(jdOfYear(2130.0), formula, current), deltaTSecondsFor(jdOfYear(2130.0), formula));
+            EXPECT_EQ(deltaTSourceFor(jdOfYear(2130.0), current), DeltaTSource::Formula);
+        }
+    // A "today" inside the table (a wrong clock) changes nothing.
+    const CurrentDeltaT stale{jdOfYear(2015.0), 90.0};
+    EXPECT_DOUBLE_EQ(deltaTSecondsFor(jdOfYear(2030.0), kDeltaTJplHorizon, stale), deltaTSecondsFor(jdOfYear(2030.0), kDeltaTJplHorizon));
+}
+
+// The preference: the start-up default (65.4, also what a never-set 40 becomes) means "not
+// given"; any other value is today's DeltaT for the solar system.
+TEST(DeltaTModel, PreferenceCurrentDeltaTIsUsedForToday) {
+    const Preferences saved = prefs();
+    const double formulaToday = [] {
+        prefs().deltaTSeconds = kCurrentDeltaTDefault;
+        EXPECT_FALSE(currentDeltaTFromPreferences().has_value());
+        const auto now = std::chrono::system_clock::now().time_since_epoch();
+        return 2440587.5 + std::chrono::duration<double>(now).count() / kSecondsPerDay;
+    }();
+    const double model = modelDeltaTSeconds(formulaToday);
+    EXPECT_NE(modelDeltaTSource(formulaToday), DeltaTSource::Current);
+    prefs().deltaTSeconds = 71.25f;
+    ASSERT_TRUE(currentDeltaTFromPreferences().has_value());
+    EXPECT_NEAR(modelDeltaTSeconds(formulaToday), 71.25, 1e-3);
+    EXPECT_EQ(modelDeltaTSource(formulaToday), DeltaTSource::Current);
+    EXPECT_NEAR(ttFromUt(formulaToday) - formulaToday, 71.25 / kSecondsPerDay, 1e-8);
+    EXPECT_DOUBLE_EQ(modelDeltaTSeconds(jdOfYear(1990.0)), deltaTSecondsFor(jdOfYear(1990.0), prefs().deltaTFormula));
+    prefs().deltaTSeconds = kCurrentDeltaTDefault;
+    EXPECT_DOUBLE_EQ(modelDeltaTSeconds(formulaToday), model);
+    prefs() = saved;
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "core/body_place.h"
 #include "core/delta_t_model.h"
 #include "core/ecliptic_place.h"
+#include "core/pluto_theory.h"
 #include "core/root_search.h"
 
 namespace nocturnel {
@@ -102,8 +103,12 @@ std::vector<PlanetEvent> findPlanetEvents(double fromJdUt, double toJdUt, std::s
         const Sample b = exactAt(body, t), sun = exactAt(SolarBody::Sun, t);
         return separationDeg(b.ra, b.dec, sun.ra, sun.dec);
     };
+    // Pluto's events only where its series holds: outside, its place is an extrapolation.
     auto add = [&](const char* k, double jd, std::vector<std::string> bodies, std::optional<double> sep = {}) {
-        if (jd >= fromJdUt && jd < toJdUt) events.push_back({k, jd, std::move(bodies), sep});
+        if (!(jd >= fromJdUt && jd < toJdUt)) return;
+        const bool pluto = std::find(bodies.begin(), bodies.end(), solarBodyName(SolarBody::Pluto)) != bodies.end();
+        if (pluto && !plutoTheoryHolds(ttFromUt(jd))) return;
+        events.push_back({k, jd, std::move(bodies), sep});
     };
     const int sun = static_cast<int>(SolarBody::Sun), moon = static_cast<int>(SolarBody::Moon);
     for (int d = 0; d + 1 < days; ++d) {

@@ -3,6 +3,7 @@
 // right ascension (planet-planet and Moon-planet, with the separation at that instant),
 // oppositions, greatest elongations of Mercury and Venus, stations, perihelia and aphelia,
 // the Moon's perigees and apogees, equinoxes and solstices. Places are apparent geocentric.
+// Pluto takes part only from 1885 to 2099, the span of its series.
 #include <optional>
 #include <string>
 #include <string_view>

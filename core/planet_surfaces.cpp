@@ -19,38 +19,51 @@ double reduce360(double d) {
 
 }  // namespace
 
-JupiterMeridians jupiterCentralMeridians(double jdTt, double delta) {
-    const double d = jdTt - kJ2000Jd;
-    const double v = (172.74 + 0.00111588 * d) * kDegToRad;
-    const double m = (357.529 + 0.9856003 * d) * kDegToRad;
-    const double n = (20.020 + 0.0830853 * d + 0.329 * std::sin(v)) * kDegToRad;
-    const double j = 66.115 + 0.9025179 * d - 0.329 * std::sin(v);
-    const double a = 1.915 * std::sin(m) + 0.020 * std::sin(2.0 * m);
-    const double b = 5.555 * std::sin(n) + 0.168 * std::sin(2.0 * n);
-    const double k = (j + a - b) * kDegToRad;
-    const double bigR = 1.00014 - 0.01671 * std::cos(m) - 0.00014 * std::cos(2.0 * m);
-    const double psi = std::asin(std::clamp(bigR * std::sin(k) / delta, -1.0, 1.0)) * kRadToDeg;
-    const double t = d - delta / kLightAuPerDay;
-    return {reduce360(210.98 + 877.8169088 * t + psi - b), reduce360(187.23 + 870.1869088 * t + psi - b)};
+JupiterMeridians jupiterCentralMeridians(const BodyPlace& jupiter) {
+    // The moment the light left Jupiter: its rotation is seen as it was then.
+    const double d = jupiter.jdTt - jupiter.lightTimeDays - kJ2000Jd;
+    const double t = d / kDaysPerCentury;
+    // IAU WGCCRE pole of Jupiter (ICRF; its periodic terms, under 0.0002 degree, left out).
+    const double a0 = (268.056595 - 0.006499 * t) * kDegToRad;
+    const double d0 = (64.495303 + 0.002413 * t) * kDegToRad;
+    const Vec3 pole{std::cos(d0) * std::cos(a0), std::cos(d0) * std::sin(a0), std::sin(d0)};
+    const Vec3 node{-std::sin(a0), std::cos(a0), 0.0};  // Jupiter's equator ascending on the Earth's
+    const Vec3 ninety{pole[1] * node[2] - pole[2] * node[1], pole[2] * node[0] - pole[0] * node[2],
+                      pole[0] * node[1] - pole[1] * node[0]};  // pole x node
+    const Vec3 toEarth = jupiter.observerHeliocentricAu - jupiter.bodyHeliocentricAu;
+    const double earthLongitude = std::atan2(dot(toEarth, ninety), dot(toEarth, node)) * kRadToDeg;
+    // Prime meridians W = W0 + rate d from the node; longitudes count westward, so the
+    // meridian facing the Earth is W minus the Earth's angle from the node.
+    return {reduce360(67.1 + 877.900 * d - earthLongitude), reduce360(43.3 + 870.270 * d - earthLongitude)};
+}
+
+int jupiterCentralMeridiansAt(double jdTt, JupiterMeridians* out) {
+    BodyPlace jupiter;
+    if (int err = geocentricPlace(SolarBody::Jupiter, jdTt, &jupiter)) return err;
+    *out = jupiterCentralMeridians(jupiter);
+    return 0;
 }
 
 std::vector<double> greatRedSpotTransits(double fromJdUt, double toJdUt, double grsLongitudeDeg) {
     std::vector<double> out;
     constexpr double kRateDegPerDay = 870.27;  // System II central meridian, as seen from the Earth
+    auto systemIIAt = [](double jdUt, double* cm) {
+        JupiterMeridians m;
+        if (jupiterCentralMeridiansAt(jdUt + modelDeltaTSeconds(jdUt) / kSecondsPerDay, &m) != 0) return false;
+        *cm = m.systemIIDeg;
+        return true;
+    };
     double t = fromJdUt;
     for (int guard = 0; guard < 100 && t < toJdUt; ++guard) {
-        const double jdTt = t + modelDeltaTSeconds(t) / kSecondsPerDay;
-        BodyPlace jupiter;
-        if (geocentricPlace(SolarBody::Jupiter, jdTt, &jupiter) != 0) return out;
-        const double cm = jupiterCentralMeridians(jdTt, jupiter.distanceAu).systemIIDeg;
+        double cm = 0.0;
+        if (!systemIIAt(t, &cm)) return out;
         double ahead = reduce360(grsLongitudeDeg - cm);  // the longitude comes to the meridian as it grows
         if (ahead < 1e-6) ahead = 0.0;
         const double when = t + ahead / kRateDegPerDay;
         if (when >= toJdUt) break;
         // One refinement at the estimate.
-        const double jdTt2 = when + modelDeltaTSeconds(when) / kSecondsPerDay;
-        const double cm2 = jupiterCentralMeridians(jdTt2, jupiter.distanceAu).systemIIDeg;
-        double miss = reduce360(grsLongitudeDeg - cm2);
+        if (!systemIIAt(when, &cm)) return out;
+        double miss = reduce360(grsLongitudeDeg - cm);
         if (miss > 180.0) miss -= 360.0;
         const double refined = when + miss / kRateDegPerDay;
         if (refined >= fromJdUt && refined < toJdUt) out.push_back(refined);

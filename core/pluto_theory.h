@@ -16,6 +16,10 @@ extern const std::array<PlutoTerm, 43> kPlutoTerms;
 inline constexpr double kPlutoFirstJd = 2409177.5;  // 1885 January 1
 inline constexpr double kPlutoLastJd = 2488069.5;   // 2100 January 1
 
+// True inside the series' span (TT Julian date); outside it the sums still give numbers but
+// they drift from Pluto's real place by an unknown amount.
+inline bool plutoTheoryHolds(double jdTt) { return jdTt >= kPlutoFirstJd && jdTt < kPlutoLastJd; }
+
 struct PlutoSpherical {
     double longitudeRad, latitudeRad, radiusAu;
 };

@@ -16,7 +16,8 @@ struct SolarSystemFind {
 };
 
 // True with the body's place when name is "Sun", "Moon", "Mercury" ... "Pluto" (any case) and
-// the planet file is readable; false otherwise (a message only when the file is missing).
+// the planet file is readable; false otherwise (a message when the file is missing, or for
+// Pluto outside 1885-2099).
 bool findSolarSystemBody(std::string_view name, double jdUt, SolarSystemFind* found);
 
 }  // namespace nocturnel

@@ -47,9 +47,17 @@ nlohmann::json planetsJson(const SolarSystemReport& report, int utcOffsetMin, co
         j["rise"] = localIsoTimeOrNull(b.riseSet ? b.riseSet->riseJdUt : none, utcOffsetMin);
         j["transit"] = localIsoTimeOrNull(b.riseSet ? b.riseSet->transitJdUt : none, utcOffsetMin);
         j["set"] = localIsoTimeOrNull(b.riseSet ? b.riseSet->setJdUt : none, utcOffsetMin);
+        // An extrapolated place is no place: every value stays null, the name and flag say why.
+        if (b.outsideTheory)
+            for (auto& [key, value] : j.items())
+                if (key != "name") value = nullptr;
+        j["outsideTheory"] = b.outsideTheory;
         bodies.push_back(j);
     }
-    return {{"jd", report.jdUt}, {"deltaT", report.deltaTSec}, {"bodies", bodies}};
+    return {{"jd", report.jdUt},
+            {"deltaT", report.deltaTSec},
+            {"deltaTSource", deltaTSourceName(report.deltaTSource)},
+            {"bodies", bodies}};
 }
 
 nlohmann::json riseJson(const std::string& name, const RiseSetTimes& t, int utcOffsetMin) {

@@ -24,8 +24,11 @@ nlohmann::json localIsoTimeOrNull(const std::optional<double>& jdUt, int utcOffs
 // The constellation (abbreviation) of a J2000 place; empty when unknown.
 using ConstellationNamer = std::function<std::string(double raJ2000Hours, double decJ2000Deg)>;
 
-// {"jd","deltaT","bodies":[{"name","raGeo","decGeo","ra","dec","alt","az","mag","diameterArcsec",
-//  "illuminated","distanceAu","constellation","rise","transit","set"}]}
+// {"jd","deltaT","deltaTSource","bodies":[{"name","raGeo","decGeo","ra","dec","alt","az","mag",
+//  "diameterArcsec","illuminated","distanceAu","constellation","rise","transit","set","outsideTheory"}]}
+// deltaTSource: "observed", "current" (the "Current DeltaT" preference) or "formula". A body
+// outside its theory's span (Pluto before 1885 or after 2099) keeps every key, null but
+// "name", with "outsideTheory" true.
 nlohmann::json planetsJson(const SolarSystemReport& report, int utcOffsetMin, const ConstellationNamer& constellation);
 
 // {"name","rise","transit","set","riseAz","setAz","transitAlt","circumpolar","neverRises"}

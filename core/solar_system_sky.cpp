@@ -1,13 +1,16 @@
 #include "core/solar_system_sky.h"
 
 #include <array>
+#include <string>
 
 #include "core/apparent_place.h"
 #include "core/astro_constants.h"
 #include "core/astrometry_vectors.h"
 #include "core/delta_t_model.h"
 #include "core/horizon.h"
+#include "core/pluto_theory.h"
 #include "core/time.h"
+#include "settings/message.h"
 #include "settings/preferences.h"
 
 namespace nocturnel {
@@ -29,7 +32,9 @@ SkyRequest skyRequestFromPreferences(bool withRiseSet) {
     return r;
 }
 
-int solarBodyAt(SolarBody body, const SkyRequest& request, double deltaTSec, SolarBodyReport* out) {
+namespace {
+
+int computeBody(SolarBody body, const SkyRequest& request, double deltaTSec, SolarBodyReport* out) {
     const double jdTt = request.jdUt + deltaTSec / kSecondsPerDay;
     out->body = body;
     if (geocentricAndTopocentricPlace(body, jdTt, deltaTSec, request.site, &out->geocentric, &out->topocentric) != 0) return 1;
@@ -48,16 +53,35 @@ int solarBodyAt(SolarBody body, const SkyRequest& request, double deltaTSec, Sol
         if (riseTransitSet(bodyTrack(body), *request.riseSetDayStartJdUt, h0, request.site, &times) != 0) return 1;
         out->riseSet = times;
     }
+    out->outsideTheory = !solarBodyTheoryHolds(body, jdTt);
     return 0;
+}
+
+}  // namespace
+
+bool solarBodyTheoryHolds(SolarBody body, double jdTt) { return body != SolarBody::Pluto || plutoTheoryHolds(jdTt); }
+
+void showOutsideTheoryMessage(SolarBody body) {
+    showMessage(std::string(solarBodyName(body)) + " is not computed for this date",
+                "Its place is known only from 1885 to 2099.");
+}
+
+int solarBodyAt(SolarBody body, const SkyRequest& request, double deltaTSec, SolarBodyReport* out) {
+    if (!solarBodyTheoryHolds(body, request.jdUt + deltaTSec / kSecondsPerDay)) {
+        showOutsideTheoryMessage(body);
+        return kSolarBodyOutsideTheory;
+    }
+    return computeBody(body, request, deltaTSec, out);
 }
 
 int solarSystemAt(const SkyRequest& request, SolarSystemReport* report) {
     report->jdUt = request.jdUt;
     report->deltaTSec = modelDeltaTSeconds(request.jdUt);
+    report->deltaTSource = modelDeltaTSource(request.jdUt);
     report->jdTt = request.jdUt + report->deltaTSec / kSecondsPerDay;
     report->bodies.assign(kSolarBodyCount, SolarBodyReport{});
     for (int b = 0; b < kSolarBodyCount; ++b)
-        if (int err = solarBodyAt(static_cast<SolarBody>(b), request, report->deltaTSec, &report->bodies[b])) return err;
+        if (int err = computeBody(static_cast<SolarBody>(b), request, report->deltaTSec, &report->bodies[b])) return err;
     return 0;
 }
 

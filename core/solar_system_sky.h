@@ -7,6 +7,7 @@
 
 #include "core/body_physical.h"
 #include "core/body_place.h"
+#include "core/delta_t_model.h"
 #include "core/rise_set.h"
 
 namespace nocturnel {
@@ -18,10 +19,14 @@ struct SolarBodyReport {
     double altDeg = 0.0, azDeg = 0.0;
     BodyPhysical physical;
     std::optional<RiseSetTimes> riseSet;
+    // Pluto outside its series' span (1885-2099): the numbers above are an extrapolation that
+    // must not be shown as Pluto's place.
+    bool outsideTheory = false;
 };
 
 struct SolarSystemReport {
     double jdUt = 0.0, jdTt = 0.0, deltaTSec = 0.0;
+    DeltaTSource deltaTSource = DeltaTSource::Formula;
     std::vector<SolarBodyReport> bodies;  // Sun, Moon, Mercury ... Pluto
 };
 
@@ -38,9 +43,18 @@ double horizonDegFromIndex(int horizonIndex);
 // The request for the preferences' site, correction, horizon and moment (local day for rise/set).
 SkyRequest skyRequestFromPreferences(bool withRiseSet);
 
-// One body (0 success; 1 when the planet series file is missing).
+inline constexpr int kSolarBodyOutsideTheory = 2;
+
+// True when the body's theory covers the TT date (only Pluto's has limits).
+bool solarBodyTheoryHolds(SolarBody body, double jdTt);
+// The message for a body asked for by name outside its theory's span.
+void showOutsideTheoryMessage(SolarBody body);
+
+// One body asked for by name: 0 success; 1 when the planet series file is missing;
+// kSolarBodyOutsideTheory (after the message) for Pluto outside 1885-2099.
 int solarBodyAt(SolarBody body, const SkyRequest& request, double deltaTSec, SolarBodyReport* report);
-// Every body, Sun to Pluto.
+// Every body, Sun to Pluto, always ten reports; Pluto outside its span is flagged
+// outsideTheory (no message: the caller leaves it out or marks it).
 int solarSystemAt(const SkyRequest& request, SolarSystemReport* report);
 
 }  // namespace nocturnel

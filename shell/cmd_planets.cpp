@@ -42,6 +42,12 @@ void runPlanets() {
     std::cout << line << "\n";
     std::cout << "Body     RA (topo)    Dec (topo)    Alt     Az      Mag   Diam\"   Illum  Dist AU    Con  Rise  Trans Set\n";
     for (const auto& b : out["bodies"]) {
+        if (b["outsideTheory"].get<bool>()) {
+            std::snprintf(line, sizeof line, "%-8s not computed for this date (known only from 1885 to 2099)",
+                          b["name"].get<std::string>().c_str());
+            std::cout << line << "\n";
+            continue;
+        }
         std::snprintf(line, sizeof line, "%-8s %-12s %-12s %6.1f %6.1f %6.2f %7.1f %5.0f%% %10.5f %-4s %s %s %s",
                       b["name"].get<std::string>().c_str(), toUtf8(hoursText(b["ra"])).c_str(),
                       toUtf8(degreesText(b["dec"])).c_str(), b["alt"].get<double>(), b["az"].get<double>(),
@@ -122,10 +128,11 @@ bool findAndPrintSolarSystemBody(const std::string& name) {
     std::cout << line << "\n";
     if (!constellation.empty()) std::cout << "Constellation: " << constellation << "\n";
     if (f.body == SolarBody::Jupiter) {
-        const double jdTt = jd + modelDeltaTSeconds(jd) / 86400.0;
-        const JupiterMeridians cm = jupiterCentralMeridians(jdTt, f.distanceAu);
-        std::snprintf(line, sizeof line, "Central meridian: System I %.1f, System II %.1f", cm.systemIDeg, cm.systemIIDeg);
-        std::cout << line << "\n";
+        JupiterMeridians cm;
+        if (jupiterCentralMeridiansAt(jd + modelDeltaTSeconds(jd) / 86400.0, &cm) == 0) {
+            std::snprintf(line, sizeof line, "Central meridian: System I %.1f, System II %.1f", cm.systemIDeg, cm.systemIIDeg);
+            std::cout << line << "\n";
+        }
         const auto transits = greatRedSpotTransits(jd, jd + 1.0, prefs().grsLongitudeDeg);
         std::cout << "GRS transits:  ";
         for (double t : transits) std::cout << " " << localIsoTime(t, prefs().utcOffsetMin).substr(11, 5);

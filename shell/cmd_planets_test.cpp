@@ -2,6 +2,9 @@
 // it): planets, rise, twilight, moon, events and find for a body.
 #include <unistd.h>
 
+#include <chrono>
+#include <cmath>
+#include <cstdio>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <regex>
@@ -143,6 +146,66 @@ TEST_F(SolarSystemCommands, FindNamesABody) {
     EXPECT_EQ(j["name"], "Jupiter");
     EXPECT_EQ(j["type"], "Planet");
     EXPECT_EQ(j["constellation"], "Leo");
+}
+
+// Pluto before 1885: the planets table keeps its row with a null place and says so; asked for
+// by name, every command answers with the one message and fails.
+TEST_F(SolarSystemCommands, PlutoOutsideItsSeriesSpanIsNotShownAsAPlace) {
+    const CliRun json = run({"planets", "--date", "1850-06-01", "--time", "22:00", "--json"});
+    ASSERT_EQ(json.exit, 0) << json.titles();
+    const auto j = json.json();
+    ASSERT_EQ(j["bodies"].size(), 10u);
+    const auto& pluto = j["bodies"][9];
+    EXPECT_EQ(pluto["name"], "Pluto");
+    EXPECT_TRUE(pluto["outsideTheory"].get<bool>());
+    EXPECT_TRUE(pluto["ra"].is_null());
+    EXPECT_TRUE(pluto["alt"].is_null());
+    EXPECT_TRUE(pluto["rise"].is_null());
+    EXPECT_FALSE(j["bodies"][8]["outsideTheory"].get<bool>());
+    EXPECT_TRUE(j["bodies"][8]["ra"].is_number());
+    const CliRun text = run({"planets", "--date", "1850-06-01", "--time", "22:00"});
+    ASSERT_EQ(text.exit, 0) << text.titles();
+    EXPECT_NE(text.out.find("Pluto    not computed for this date (known only from 1885 to 2099)"), std::string::npos) << text.out;
+    for (const char* command : {"rise", "find", "info", "where"}) {
+        const CliRun r = run({command, "Pluto", "--date", "1850-06-01", "--time", "22:00"});
+        EXPECT_NE(r.exit, 0) << command;
+        ASSERT_EQ(r.messages.size(), 1u) << command << " " << r.titles();
+        EXPECT_EQ(r.messages[0].title, "Pluto is not computed for this date") << command;
+        EXPECT_EQ(r.messages[0].detail, "Its place is known only from 1885 to 2099.") << command;
+    }
+    const CliRun inSpan = run({"rise", "Pluto", "--date", "1990-06-01", "--json"});
+    EXPECT_EQ(inSpan.exit, 0) << inSpan.titles();
+}
+
+// "Current DeltaT": left at its default the DeltaT shown is the model's; set by the user it is
+// the DeltaT shown and used for today.
+TEST_F(SolarSystemCommands, PlanetsShowTheCurrentDeltaTForToday) {
+    using namespace std::chrono;
+    const auto local = floor<minutes>(system_clock::now()) + minutes(60);  // the runs' UT + 60 min
+    const auto day = floor<days>(local);
+    const year_month_day ymd{day};
+    const hh_mm_ss<minutes> clock{local - day};
+    char date[16], time[8];
+    std::snprintf(date, sizeof date, "%04d-%02u-%02u", static_cast<int>(ymd.year()), static_cast<unsigned>(ymd.month()),
+                  static_cast<unsigned>(ymd.day()));
+    std::snprintf(time, sizeof time, "%02d:%02d", static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()));
+    const CliRun model = run({"planets", "--date", date, "--time", time, "--json"});
+    ASSERT_EQ(model.exit, 0) << model.titles();
+    EXPECT_EQ(model.json()["deltaTSource"], "formula");
+    const double modelDeltaT = model.json()["deltaT"].get<double>();
+    ASSERT_EQ(run({"prefs", "set", "deltaTSeconds", "74.5"}).exit, 0);
+    const CliRun set = run({"planets", "--date", date, "--time", time, "--json"});
+    ASSERT_EQ(set.exit, 0) << set.titles();
+    EXPECT_EQ(set.json()["deltaTSource"], "current");
+    EXPECT_NEAR(set.json()["deltaT"].get<double>(), 74.5, 0.01);
+    EXPECT_GT(std::abs(modelDeltaT - 74.5), 1.0);  // the model's own value is elsewhere
+    // The observed past does not move.
+    const CliRun past = run({"planets", "--date", "1990-06-01", "--json"});
+    ASSERT_EQ(past.exit, 0) << past.titles();
+    EXPECT_EQ(past.json()["deltaTSource"], "observed");
+    EXPECT_NEAR(past.json()["deltaT"].get<double>(), 56.9, 0.5);
+    const CliRun text = run({"planets", "--date", date, "--time", time});
+    EXPECT_NE(text.out.find("DeltaT 74.5 s"), std::string::npos) << text.out;
 }
 
 }  // namespace
