@@ -239,11 +239,13 @@ bool writeObservingLists(FileWriter& writer, const ObjectFiles& objectFiles, Bui
     const List lists[] = {{kCatalogHerschel, "Herschel 400", herschel400Table()},
                           {kCatalogBestNGC, "SAC best of the NGC", sacBestNgcTable()}};
     std::vector<ListMemberRecord> members;
+    std::map<int32_t, int32_t> catalogNumberOf;
     std::string error;
+    if (!parseNgcSameObjects(ngcSameObjectTable(), catalogNumberOf, error)) return check(false, "NGC identity table: " + error);
     for (const List& list : lists) {
         std::vector<int32_t> numbers, missing;
         if (!parseNgcList(list.table, numbers, error)) return check(false, std::string(list.name) + " table: " + error);
-        const std::vector<ListMemberRecord> found = listMembers(list.catalog, numbers, objectFiles.index, missing);
+        const std::vector<ListMemberRecord> found = listMembers(list.catalog, numbers, objectFiles.index, catalogNumberOf, missing);
         members.insert(members.end(), found.begin(), found.end());
         if (!missing.empty()) {
             std::string line = std::string(list.name) + ": " + std::to_string(missing.size()) + " of " +
@@ -262,8 +264,8 @@ bool writeObservingLists(FileWriter& writer, const ObjectFiles& objectFiles, Bui
 // The SOURCES section of the lists: each table's own header.
 std::string observingListsSourcesText() {
     std::string text = "\nObserving lists and the meteor-shower table, kept as plain tables in the program's sources\n"
-                       "(tools/data/herschel400.txt, sac_best_ngc.txt, meteor_showers.txt):\n";
-    for (std::string_view table : {herschel400Table(), sacBestNgcTable(), meteorShowerTable()}) {
+                       "(tools/data/herschel400.txt, sac_best_ngc.txt, ngc_same_objects.txt, meteor_showers.txt):\n";
+    for (std::string_view table : {herschel400Table(), sacBestNgcTable(), ngcSameObjectTable(), meteorShowerTable()}) {
         std::string header = tableHeader(table);
         size_t at = 0;
         while ((at = header.find('\n', at)) != std::string::npos) header.replace(at, 1, "\n    "), at += 5;

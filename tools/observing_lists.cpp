@@ -102,6 +102,25 @@ bool parseNgcList(std::string_view table, std::vector<int32_t>& ngcNumbers, std:
     });
 }
 
+bool parseNgcSameObjects(std::string_view table, std::map<int32_t, int32_t>& catalogNumberOf, std::string& error) {
+    catalogNumberOf.clear();
+    return forEachDataLine(table, [&](int line, std::string_view text) {
+        const size_t space = text.find_first_of(" \t");
+        int listed = 0, catalogued = 0;
+        if (space == std::string_view::npos || !parseInt(text.substr(0, space), listed) ||
+            !parseInt(text.substr(space + 1), catalogued) || listed < 1 || listed > 7840 || catalogued < 1 ||
+            catalogued > 7840 || listed == catalogued) {
+            error = "line " + std::to_string(line) + ": not a pair of NGC numbers: " + std::string(text);
+            return false;
+        }
+        if (!catalogNumberOf.emplace(listed, catalogued).second) {
+            error = "line " + std::to_string(line) + ": NGC " + std::to_string(listed) + " given twice";
+            return false;
+        }
+        return true;
+    });
+}
+
 bool parseMeteorShowerTable(std::string_view table, std::vector<MeteorShowerRecord>& showers, std::string& error) {
     showers.clear();
     return forEachDataLine(table, [&](int line, std::string_view text) {
@@ -130,14 +149,17 @@ bool parseMeteorShowerTable(std::string_view table, std::vector<MeteorShowerReco
 }
 
 std::vector<ListMemberRecord> listMembers(int catalog, const std::vector<int32_t>& ngcNumbers,
-                                          const std::vector<ObjectIndexRecord>& index, std::vector<int32_t>& missing) {
+                                          const std::vector<ObjectIndexRecord>& index,
+                                          const std::map<int32_t, int32_t>& catalogNumberOf, std::vector<int32_t>& missing) {
     std::map<int32_t, int32_t> recordOfNgc;
     for (const ObjectIndexRecord& e : index)
         if (e.catalog == kCatalogNGC && e.objectRecord >= 0) recordOfNgc.emplace(e.number, e.objectRecord);
     std::vector<ListMemberRecord> members;
     missing.clear();
     for (size_t i = 0; i < ngcNumbers.size(); ++i) {
-        const auto found = recordOfNgc.find(ngcNumbers[i]);
+        auto found = recordOfNgc.find(ngcNumbers[i]);
+        if (const auto same = catalogNumberOf.find(ngcNumbers[i]); found == recordOfNgc.end() && same != catalogNumberOf.end())
+            found = recordOfNgc.find(same->second);
         if (found == recordOfNgc.end()) {
             missing.push_back(ngcNumbers[i]);
             continue;
