@@ -142,6 +142,13 @@ TEST_F(ObservingListsTest, ListMembersRoundTripAndNameTheirLists) {
     EXPECT_EQ(listsOfObject(read, 30), (std::vector<int>{25, 49}));
     EXPECT_EQ(listsOfObject(read, 12), (std::vector<int>{25}));
     EXPECT_TRUE(listsOfObject(read, 13).empty());
+    // Keyed by the objects' own designations, as the stages offer them.
+    std::vector<ObjectRecord> objects(31, ObjectRecord{});
+    objects[12].catalog = 42, objects[12].number = 40;
+    objects[30].catalog = 42, objects[30].number = 3180;
+    write("nocturnel_obj_18k.ppc", fileBytes(24, objects));
+    const ListsByObject lists = listsByObject();
+    EXPECT_EQ(lists, (ListsByObject{{{42, 40}, {25}}, {{42, 3180}, {25, 49}}}));
 
     MessageCapture messages;
     write(kListMemberFile, fileBytes(kListMemberFileVersion, std::vector<ListMemberRecord>{{42, 1, 12, 40}}));
