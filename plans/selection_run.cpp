@@ -9,6 +9,7 @@
 #include "catalog/objects.h"
 #include "catalog/record_file.h"
 #include "catalog/star_catalog.h"
+#include "plans/list_members.h"
 #include "plans/meteor_showers.h"
 #include "settings/message.h"
 
@@ -126,7 +127,8 @@ void constellationStage(Run& run) {
 
 void meteorStage(Run& run, const SelectionCriteria& c) {
     run.stage("Checking Meteor Showers");
-    const auto& showers = meteorShowers();
+    std::vector<MeteorShower> showers;
+    if (!loadMeteorShowers(showers)) return;  // the message told which file; the run goes on
     for (std::size_t i = 0; i < showers.size(); ++i) {
         const MeteorShower& s = showers[i];
         if (!meteorShowerActive(s, c.selectionMonth, c.selectionDay)) continue;
@@ -152,20 +154,51 @@ int objectCount() {
     return slot.file ? static_cast<int>(slot.file->recordCount & 0xFFFF) : 0;
 }
 
-// Messier, Caldwell: the objects of the file that carry a number in that catalogue.
+// Messier, Caldwell: the objects of the file that carry that catalogue's number.
 void membershipStage(Run& run, std::string_view line, int catalog, std::vector<bool>& taken) {
     run.stage(line);
     const int count = objectCount();
     for (int i = 0; i < count; ++i) {
         ObjectRecord o;
         if (!readObject(static_cast<uint16_t>(i), o)) return;
-        const int number = catalog == kCatalogMessier ? o.messier : catalog == kCatalogCaldwell ? o.caldwell
-                                                                                              : (o.catalog == catalog ? o.number : 0);
+        const int number = catalog == kCatalogMessier ? o.messier : o.caldwell;
         if (number <= 0) continue;
         // An object listed here is not offered again under its own catalogue by the deep-sky stage.
         bool added = false;
         const bool more = run.offer(referenceOfRecord(o, catalog, number), &added);
         if (added) taken[static_cast<std::size_t>(i)] = true;
+        if (!more) return;
+    }
+}
+
+// The members of the published lists, read once per run (the file's message shown once).
+class ListMembers {
+public:
+    const std::vector<ListMemberRecord>* get() {
+        if (!loaded_) ok_ = loadListMembers(members_), loaded_ = true;
+        return ok_ ? &members_ : nullptr;
+    }
+
+private:
+    std::vector<ListMemberRecord> members_;
+    bool loaded_ = false, ok_ = false;
+};
+
+// Best SAC, Herschel: the members of the list in list order, each under its own catalogue and
+// number (so the finder and the chart know it); an object an earlier stage took is not offered
+// twice.
+void listStage(Run& run, std::string_view line, int catalog, ListMembers& lists, std::vector<bool>& taken) {
+    run.stage(line);
+    const std::vector<ListMemberRecord>* members = lists.get();
+    if (members == nullptr) return;
+    const int count = objectCount();
+    for (const ListMemberRecord& m : *members) {
+        if (m.catalog != catalog || m.objectRecord >= count || taken[static_cast<std::size_t>(m.objectRecord)]) continue;
+        ObjectRecord o;
+        if (!readObject(static_cast<uint16_t>(m.objectRecord), o)) return;
+        bool added = false;
+        const bool more = run.offer(referenceOfRecord(o, o.catalog, o.number), &added);
+        if (added) taken[static_cast<std::size_t>(m.objectRecord)] = true;
         if (!more) return;
     }
 }
@@ -248,8 +281,9 @@ SelectionOutcome runSelection(const SelectionCriteria& criteria, const Selection
     if (!finished() && wantsStage(criteria, kCatalogMessier)) membershipStage(run, "Checking Messier  ", kCatalogMessier, taken);
     if (!finished() && wantsStage(criteria, kCatalogUser)) userStage(run);
     if (!finished() && wantsStage(criteria, kCatalogCaldwell)) membershipStage(run, "Checking Caldwell   ", kCatalogCaldwell, taken);
-    if (!finished() && wantsStage(criteria, kCatalogBestNGC)) membershipStage(run, "Checking Best SAC", kCatalogBestNGC, taken);
-    if (!finished() && wantsStage(criteria, kCatalogHerschel)) membershipStage(run, "Checking Herschel", kCatalogHerschel, taken);
+    ListMembers lists;
+    if (!finished() && wantsStage(criteria, kCatalogBestNGC)) listStage(run, "Checking Best SAC", kCatalogBestNGC, lists, taken);
+    if (!finished() && wantsStage(criteria, kCatalogHerschel)) listStage(run, "Checking Herschel", kCatalogHerschel, lists, taken);
     if (!finished() && wantsCatalogueWide(criteria)) deepSkyStage(run, hooks, taken);
     if (!finished() && wantsCatalogueWide(criteria) && !brightStarStage(run)) run.outcome.failed = true;
     return run.outcome;

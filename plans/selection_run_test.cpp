@@ -11,8 +11,10 @@
 #include "catalog/catalogues.h"
 #include "catalog/constellations.h"
 #include "catalog/star_catalog.h"
+#include "catalog/object_tables.h"
 #include "catalog/objects.h"
 #include "catalog/record_file.h"
+#include "plans/list_members.h"
 #include "plans/plans_test_support.h"
 #include "plans/selection_run.h"
 #include "plans/user_catalog.h"
@@ -159,6 +161,70 @@ TEST_F(SelectionRunTest, AVisibleSelectionMatchesAnIndependentComputation) {
     for (int n : selected) if (!expected.count(n)) extra.push_back(n);
     EXPECT_TRUE(missing.empty()) << "above 25 degrees and brighter than 8 but not selected: " << missing.size() << " first NGC " << (missing.empty() ? 0 : missing[0]) << " selected " << list.items.size() << " expected " << expected.size();
     EXPECT_TRUE(extra.empty()) << "selected but below 25 degrees or fainter than 8: " << extra.size();
+}
+
+// The Herschel and best-of-the-NGC stages find every member of the published lists in the built
+// catalogues (400 and 111 NGC numbers), each object once and under its own NGC number: the
+// Herschel 400 names both lobes of one planetary nebula (NGC 2371 and 2372, one record), so its
+// 400 members are 399 objects. The short selections report the visible ones.
+TEST_F(SelectionRunTest, HerschelAndBestSacStagesFindEveryListedObject) {
+    if (!fs::exists(home_ / "data" / kListMemberFile)) GTEST_SKIP() << "catalogues built before the list memberships";
+    std::vector<ListMemberRecord> members;
+    ASSERT_TRUE(loadListMembers(members));
+    EXPECT_EQ(std::count_if(members.begin(), members.end(), [](auto& m) { return m.catalog == 25; }), 400);
+    EXPECT_EQ(std::count_if(members.begin(), members.end(), [](auto& m) { return m.catalog == 49; }), 111);
+    struct Case {
+        int catalog;
+        size_t count;
+        const char* stage;
+    };
+    for (const Case& list : {Case{25, 399, "Checking Herschel"}, Case{49, 111, "Checking Best SAC"}}) {
+        SelectionCriteria c;
+        c.catalogFilter = list.catalog;
+        SelectionList found;
+        found.capacity = 500;
+        MessageCapture quiet;
+        const SelectionOutcome outcome = runSelection(c, hooks(), found);
+        EXPECT_TRUE(quiet.messages().empty()) << quiet.lastTitle();
+        EXPECT_EQ(outcome.stages, (std::vector<std::string>{"Please wait, selecting", list.stage}));
+        ASSERT_EQ(found.items.size(), list.count) << list.stage;
+        std::set<int> ngc;
+        for (const ObjectReference& o : found.items) {
+            EXPECT_EQ(o.catalog, kCatalogNGC) << o.name;
+            ngc.insert(o.number);
+        }
+        EXPECT_EQ(ngc.size(), list.count) << "each member once";
+        EXPECT_TRUE(ngc.count(list.catalog == 25 ? 4038 : 7009));
+    }
+    // Visible from Kitt Peak at sidereal time 4.5 h: the short selection reports the count found.
+    SelectionList visible;
+    std::string report;
+    MessageCapture quiet;
+    runShortSelection(ShortSelection::kHerschel, SelectionCriteria{}, hooks(), visible, report);
+    EXPECT_GT(visible.items.size(), 100u);
+    EXPECT_LT(visible.items.size(), 400u);
+    EXPECT_EQ(report, std::to_string(visible.items.size()) + " visible Herschels.");
+    runShortSelection(ShortSelection::kSac, SelectionCriteria{}, hooks(), visible, report);
+    EXPECT_GT(visible.items.size(), 20u);
+    EXPECT_EQ(report, std::to_string(visible.items.size()) + " visible best SAC Objects.");
+}
+
+// A full run offers an object of several lists once: M 110 (NGC 205) under Messier only.
+TEST_F(SelectionRunTest, AnObjectOfSeveralListsIsOfferedOnce) {
+    if (!fs::exists(home_ / "data" / kListMemberFile)) GTEST_SKIP() << "catalogues built before the list memberships";
+    SelectionList list;
+    list.capacity = 500;
+    SelectionCriteria c;
+    c.magLimitChoice = 6;  // brighter than 10
+    MessageCapture quiet;
+    runSelection(c, hooks(), list);
+    int m110 = 0, ngc205 = 0;
+    for (const ObjectReference& o : list.items) {
+        m110 += o.catalog == kCatalogMessier && o.number == 110;
+        ngc205 += o.catalog == kCatalogNGC && o.number == 205;
+    }
+    EXPECT_EQ(m110, 1);
+    EXPECT_EQ(ngc205, 0);
 }
 
 TEST_F(SelectionRunTest, MemoImportFindsObjectsAndStopsAtABadLine) {

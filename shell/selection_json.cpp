@@ -6,6 +6,7 @@
 #include "catalog/objects.h"
 #include "catalog/object_tables.h"
 #include "core/angle_text.h"
+#include "plans/list_members.h"
 #include "settings/text_encoding.h"
 
 namespace nocturnel {
@@ -19,6 +20,7 @@ double rounded(double v, double scale) { return std::round(v * scale) / scale; }
 
 nlohmann::json selectionJson(const SelectionList& list, const std::vector<std::string>& stages) {
     nlohmann::json objects = nlohmann::json::array();
+    const ListsByObject memberships = listsByObject();
     for (const ObjectReference& o : list.items) {
         nlohmann::json j = {{"name", latin1ToUtf8(referenceName(o))},
                             {"catalog", catalogName(o.catalog)},
@@ -26,6 +28,10 @@ nlohmann::json selectionJson(const SelectionList& list, const std::vector<std::s
                             {"ra", rounded(o.raHours, 1e6)},
                             {"dec", rounded(o.decDeg, 1e5)}};
         j["mag"] = o.mag == 0.0f ? nlohmann::json(nullptr) : nlohmann::json(rounded(o.mag, 100));
+        nlohmann::json lists = nlohmann::json::array();
+        if (const auto found = memberships.find({o.catalog, o.number}); found != memberships.end())
+            for (int code : found->second) lists.push_back(catalogName(code));
+        j["lists"] = std::move(lists);
         objects.push_back(std::move(j));
     }
     nlohmann::json lines = nlohmann::json::array();

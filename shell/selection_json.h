@@ -8,7 +8,8 @@
 
 namespace nocturnel {
 
-// {"stages":[...],"objects":[{"name","catalog","type","ra","dec","mag"}]}; mag null when unknown.
+// {"stages":[...],"objects":[{"name","catalog","type","ra","dec","mag","lists"}]}; mag null when
+// unknown; lists names the observing lists the object belongs to ("Herschel", "110 Best of NGC").
 nlohmann::json selectionJson(const SelectionList& list, const std::vector<std::string>& stages);
 // "12  M 42  Bright Nebula  05h35m17 -05°23'28  4.0" (UTF-8).
 std::string selectionLine(const ObjectReference& object, int index);

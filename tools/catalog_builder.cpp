@@ -16,6 +16,7 @@
 #include "tools/milky_way_file.h"
 #include "tools/name_file.h"
 #include "tools/object_files.h"
+#include "tools/observing_lists.h"
 #include "tools/planet_series_builder.h"
 #include "tools/record_io.h"
 #include "tools/sources.h"
@@ -226,6 +227,55 @@ bool writeStarMotion(FileWriter& writer, const fs::path& starsFolder, const Star
     return writer.write(kStarMotionFile, kStarMotionFileVersion, records);
 }
 
+// The Herschel 400 and best-of-the-NGC memberships (nocturnel_list_members.ppc) and the
+// meteor-shower table (nocturnel_meteor_showers.ppc) from the tables compiled in. A listed NGC
+// number the deep-sky catalogue lacks is left out and reported, the build goes on.
+bool writeObservingLists(FileWriter& writer, const ObjectFiles& objectFiles, BuildReport& report) {
+    struct List {
+        int catalog;
+        const char* name;
+        std::string_view table;
+    };
+    const List lists[] = {{kCatalogHerschel, "Herschel 400", herschel400Table()},
+                          {kCatalogBestNGC, "SAC best of the NGC", sacBestNgcTable()}};
+    std::vector<ListMemberRecord> members;
+    std::map<int32_t, int32_t> catalogNumberOf;
+    std::string error;
+    if (!parseNgcSameObjects(ngcSameObjectTable(), catalogNumberOf, error)) return check(false, "NGC identity table: " + error);
+    for (const List& list : lists) {
+        std::vector<int32_t> numbers, missing;
+        if (!parseNgcList(list.table, numbers, error)) return check(false, std::string(list.name) + " table: " + error);
+        const std::vector<ListMemberRecord> found = listMembers(list.catalog, numbers, objectFiles.index, catalogNumberOf, missing);
+        members.insert(members.end(), found.begin(), found.end());
+        if (!missing.empty()) {
+            std::string line = std::string(list.name) + ": " + std::to_string(missing.size()) + " of " +
+                               std::to_string(numbers.size()) + " NGC numbers not in the deep-sky catalogue:";
+            for (size_t i = 0; i < missing.size() && i < 12; ++i) line += " " + std::to_string(missing[i]);
+            if (missing.size() > 12) line += " ...";
+            report.notFitted.push_back(line);
+        }
+    }
+    std::vector<MeteorShowerRecord> showers;
+    if (!parseMeteorShowerTable(meteorShowerTable(), showers, error)) return check(false, "meteor-shower table: " + error);
+    return writer.write(kListMemberFile, kListMemberFileVersion, members) &&
+           writer.write(kMeteorShowerFile, kMeteorShowerFileVersion, showers);
+}
+
+// The SOURCES section of the lists: each table's own header.
+std::string observingListsSourcesText() {
+    std::string text = "\nObserving lists and the meteor-shower table, kept as plain tables in the program's sources\n"
+                       "(tools/data/herschel400.txt, sac_best_ngc.txt, ngc_same_objects.txt, meteor_showers.txt):\n";
+    for (std::string_view table : {herschel400Table(), sacBestNgcTable(), ngcSameObjectTable(), meteorShowerTable()}) {
+        std::string header = tableHeader(table);
+        size_t at = 0;
+        while ((at = header.find('\n', at)) != std::string::npos) header.replace(at, 1, "\n    "), at += 5;
+        text += "  " + header + "\n";
+    }
+    text += "  -> nocturnel_list_members.ppc (Herschel 400 and best-of-the-NGC members, by their NGC numbers\n"
+            "     looked up in the deep-sky catalogue), nocturnel_meteor_showers.ppc.\n";
+    return text;
+}
+
 // Versions as the packages state them: d3-celestial's package.json, the first line of xplanet's
 // Debian changelog ("xplanet (1.3.1-3) unstable; ..."). "unknown version" when absent.
 std::string d3Version(const fs::path& d3Data) {
@@ -277,7 +327,7 @@ std::string sourcesText(const SourcePaths& paths, const StellariumCatalogue& dso
     return text;
 }
 
-bool checkAll(const fs::path& out, bool tycho, bool deepStars, bool starMotion) {
+bool checkAll(const fs::path& out, uint32_t objectCount, bool tycho, bool deepStars, bool starMotion) {
     std::string error;
     const StarFileRules plain{42, 0, 0};
     return check(checkDefaultStars(out / "nocturnel_default_stars.ppc", error), error) &&
@@ -294,6 +344,8 @@ bool checkAll(const fs::path& out, bool tycho, bool deepStars, bool starMotion) 
            check(checkObjectFiles(out / "nocturnel_obj_1k.ppc", out / "nocturnel_obj_1k_idx.ppc", false, error), error) &&
            check(checkConstellations(out, error), error) &&
            check(checkEyepieceFile(out / "nocturnel_eyepiece.ppc", error), error) &&
+           check(checkListMemberFile(out / kListMemberFile, objectCount, error), error) &&
+           check(checkMeteorShowerFile(out / kMeteorShowerFile, error), error) &&
            (!deepStars || check(checkStarBlockFile(out / "nocturnel_tycho_390k.ppc", {0, 0, 0}, error), error)) &&
            (!starMotion || check(checkStarMotionFile(out / kStarMotionFile, error), error)) &&
            (!tycho || (check(checkStarBlockFile(out / "nocturnel_tycho_390k.ppc", {0, 0, 0}, error), error) &&
@@ -397,6 +449,7 @@ int buildCatalogues(const BuildOptions& options, BuildReport* reportOut) {
         writer.write("nocturnel_obj_1k_idx.ppc", 1, objectFiles.smallIndex) &&
         writeConstellations(writer, stars.constellations) &&
         writer.write("nocturnel_eyepiece.ppc", 1, eyepieceRecords()) && writeMilkyWay(writer, paths.d3) &&
+        writeObservingLists(writer, objectFiles, report) &&
         writer.write(kNameFile, kNameFileVersion, buildNameRecords(objectFiles, stars.names)) &&
         writePlanetSeriesFile(options.sourcesFolder, stage, report) &&
         (options.tycho2File.empty() ? writeDeepStarCard(writer, paths.stellariumStars, deepStars)
@@ -404,11 +457,12 @@ int buildCatalogues(const BuildOptions& options, BuildReport* reportOut) {
         writeStarMotion(writer, paths.stellariumStars, stars, starMotion);
     if (!written) return 1;
     if (!writeWholeFile(stage / "SOURCES", sourcesText(paths, dso, !options.tycho2File.empty(), deepStars) +
-                                                  planetSeriesSourcesText(options.sourcesFolder))) {
+                                                  observingListsSourcesText() + planetSeriesSourcesText(options.sourcesFolder))) {
         showMessage(kWriteFailed, (stage / "SOURCES").string());
         return 1;
     }
-    if (!checkAll(stage, !options.tycho2File.empty(), deepStars, starMotion)) return 1;
+    if (!checkAll(stage, static_cast<uint32_t>(objectFiles.objects.size()), !options.tycho2File.empty(), deepStars, starMotion))
+        return 1;
     std::vector<std::string> names;
     for (const BuiltFile& f : report.files) names.push_back(f.name);
     names.push_back("SOURCES");  // last: its presence tells a complete set

@@ -12,6 +12,7 @@
 #include "tools/builder_test_sources.h"
 #include "tools/catalog_builder.h"
 #include "tools/object_files.h"
+#include "tools/observing_lists.h"
 #include "tools/star_packing.h"
 #include "tools/test_support.h"
 
@@ -57,6 +58,7 @@ TEST_F(SmallBuild, WritesEveryFileWithItsRecordSize) {
         {"nocturnel_obj_18k.ppc", 60, 24},       {"nocturnel_obj_18k_idx.ppc", 20, 1},  {"nocturnel_obj_18k_desc.ppc", 128, 1},
         {"nocturnel_obj_1k.ppc", 60, 24},        {"nocturnel_obj_1k_idx.ppc", 20, 1},   {"nocturnel_constellation.ppc", 44, 1},
         {"nocturnel_constellation_lines.ppc", 16, 1}, {"nocturnel_constellation_bounds.ppc", 8, 1},
+        {"nocturnel_list_members.ppc", 16, 1},   {"nocturnel_meteor_showers.ppc", 40, 1},
     };
     for (const Expected& e : files) {
         std::string bytes;
@@ -73,7 +75,8 @@ TEST_F(SmallBuild, WritesEveryFileWithItsRecordSize) {
     std::string sources;
     ASSERT_TRUE(readWholeFile(data("SOURCES"), sources));
     for (const char* needle : {"d3-celestial 0.7.35", "BSD 3-Clause", "Bright Star Catalogue", "xplanet",
-                               "Stellarium deep-sky catalogue 3.16", "stellarium-data", "GPL-2+"})
+                               "Stellarium deep-sky catalogue 3.16", "stellarium-data", "GPL-2+", "Astronomical League",
+                               "Saguaro Astronomy Club", "International Meteor Organization", "nocturnel_list_members.ppc"})
         EXPECT_NE(sources.find(needle), std::string::npos) << needle;
 }
 
@@ -243,9 +246,34 @@ TEST_F(SmallBuild, IndexHonoursTheStretchesAndReportsWhatDidNotFit) {
     // Maffei's stretch ends where Caldwell's begins.
     EXPECT_EQ(index[1126].key, objectIndexFillerKey(36));
     EXPECT_EQ(index[1127].key, objectIndexKey(kCatalogCaldwell, 20));
-    ASSERT_EQ(report_.notFitted.size(), 1u);
-    EXPECT_EQ(report_.notFitted[0], "Melotte: 15 objects, 12 slots, left out 3 (no magnitude or faintest): 12 13 14");
+    ASSERT_EQ(report_.notFitted.size(), 3u) << "the two lists' missing numbers, then Melotte";
+    EXPECT_EQ(report_.notFitted[2], "Melotte: 15 objects, 12 slots, left out 3 (no magnitude or faintest): 12 13 14");
     EXPECT_NE(std::find(report_.noSource.begin(), report_.noSource.end(), "Markarian"), report_.noSource.end());
+}
+
+// The small catalogue holds one object of both lists, NGC 7000: each list gets that one member,
+// at its place in the published list, and the rest is reported, not fatal.
+TEST_F(SmallBuild, ListMembersPointAtTheListedObjectsAndReportTheRest) {
+    const auto members = readRecords<ListMemberRecord>(data("nocturnel_list_members.ppc"));
+    const auto objects = readRecords<ObjectRecord>(data("nocturnel_obj_18k.ppc"));
+    ASSERT_EQ(members.size(), 2u);
+    struct Expected {
+        int catalog, rank;
+    };
+    const Expected expected[] = {{kCatalogHerschel, 374}, {kCatalogBestNGC, 46}};
+    for (size_t i = 0; i < 2; ++i) {
+        EXPECT_EQ(members[i].catalog, expected[i].catalog);
+        EXPECT_EQ(members[i].rank, expected[i].rank) << "NGC 7000's place in the list";
+        EXPECT_EQ(members[i].ngc, 7000);
+        ASSERT_LT(static_cast<size_t>(members[i].objectRecord), objects.size());
+        EXPECT_EQ(objects[members[i].objectRecord].catalog, kCatalogNGC);
+        EXPECT_EQ(objects[members[i].objectRecord].number, 7000);
+    }
+    EXPECT_TRUE(report_.notFitted[0].starts_with("Herschel 400: 399 of 400 NGC numbers not in the deep-sky catalogue: 40 129"));
+    EXPECT_TRUE(report_.notFitted[1].starts_with("SAC best of the NGC: 110 of 111 NGC numbers not in the deep-sky catalogue: 891 7662"));
+    const auto showers = readRecords<MeteorShowerRecord>(data("nocturnel_meteor_showers.ppc"));
+    ASSERT_EQ(showers.size(), 15u);
+    EXPECT_STREQ(showers[0].name, "Quadrantids");
 }
 
 TEST(CatalogBuilder, SameSourcesGiveByteIdenticalFiles) {
@@ -262,7 +290,7 @@ TEST(CatalogBuilder, SameSourcesGiveByteIdenticalFiles) {
         EXPECT_TRUE(a == b) << entry.path().filename();
         ++compared;
     }
-    EXPECT_EQ(compared, 24u);  // 19 record files, 3 Tycho files, the planet series and SOURCES
+    EXPECT_EQ(compared, 26u);  // 21 record files, 3 Tycho files, the planet series and SOURCES
 }
 
 TEST(CatalogBuilder, Tycho2FilesFromTheCatalogueFormat) {
