@@ -3,6 +3,7 @@
 #include <erfa.h>
 #include <erfam.h>
 
+#include <algorithm>
 #include <cmath>
 #include <set>
 
@@ -14,9 +15,11 @@
 #include "catalog/object_tables.h"
 #include "catalog/objects.h"
 #include "catalog/record_file.h"
+#include "core/planet_series_format.h"
 #include "plans/list_members.h"
 #include "plans/plans_test_support.h"
 #include "plans/selection_run.h"
+#include "plans/selection_sky.h"
 #include "plans/user_catalog.h"
 #include "plans/user_lists.h"
 #include "settings/message.h"
@@ -69,6 +72,21 @@ TEST_F(SelectionRunTest, NoCriteriaFillsTheListInStageOrderPlanetsFirst) {
     EXPECT_EQ(list.items[0].type, 27);
     EXPECT_EQ(list.items[2].type, 14) << "then the constellations";
     EXPECT_EQ(outcome.stages, (std::vector<std::string>{"Please wait, selecting", "Checking Planets", "Checking Constellation"}));
+}
+
+// The planet stage offers every body the series place, and Pluto only within its series' years.
+TEST_F(SelectionRunTest, PlanetStageLeavesPlutoOutBeyondItsSeries) {
+    if (!fs::exists(home_ / "data" / kPlanetSeriesFileName)) GTEST_SKIP() << "catalogues built before the planet series";
+    const auto names = [](double jdUt) {
+        std::vector<std::string> out;
+        for (const ObjectReference& r : solarSystemReferences(jdUt)) out.emplace_back(r.name);
+        return out;
+    };
+    const std::vector<std::string> in2026 = names(2461367.5), in2150 = names(2506331.5);
+    EXPECT_EQ(in2026.size(), 10u);
+    EXPECT_NE(std::find(in2026.begin(), in2026.end(), "Pluto"), in2026.end());
+    EXPECT_EQ(in2150.size(), 9u);
+    EXPECT_EQ(std::find(in2150.begin(), in2150.end(), "Pluto"), in2150.end());
 }
 
 TEST_F(SelectionRunTest, StagesRunInOrderAndTheStopKeyKeepsWhatWasFound) {

@@ -25,6 +25,7 @@ std::vector<ObjectReference> solarSystemReferences(double jdUt) {
     SolarSystemReport report;
     if (solarSystemAt(request, &report) != 0) return bodies;
     for (const SolarBodyReport& b : report.bodies) {
+        if (b.outsideTheory) continue;  // Pluto beyond its series' years has no place to offer
         ObjectReference r{};
         r.catalog = kCatalogPlanets;
         r.number = static_cast<int32_t>(b.body);
