@@ -280,7 +280,14 @@ void registerFormRoutes(httplib::Server& s, Engine& engine, const std::shared_pt
             bool ok = false;
             if (isPreferencePage(id)) {
                 ok = submitPreferencePage(id, *body);
+                // A connected drive follows a change of its link at once (see PUT /api/prefs).
+                bool reopened = false;
+                const bool linkOpen = !ok || followLinkSettings(*session, &reopened);
                 form = describeForm(id);
+                if (reopened) {
+                    out = {{"ok", ok}, {"form", form}, {"scopeConnected", linkOpen}};
+                    return ok;
+                }
             } else if (id == "location") {
                 ok = submitLocationPage(*body, form);
             } else if (id == "datetime") {

@@ -67,7 +67,7 @@ ChartSurface drawChart(Engine& engine, const ChartQuery& query, ChartCache& cach
     return surface;
 }
 
-void registerStateRoutes(httplib::Server& s, Engine& engine) {
+void registerStateRoutes(httplib::Server& s, Engine& engine, const std::shared_ptr<ScopeSession>& session) {
     s.Get("/api/now", [&engine](const Request&, Response& res) {
         answerJob(engine, res, [](nlohmann::json& out) {
             out = nowJson(prefs());
@@ -80,12 +80,17 @@ void registerStateRoutes(httplib::Server& s, Engine& engine) {
             return true;
         });
     });
-    s.Put("/api/prefs", [&engine](const Request& req, Response& res) {
+    s.Put("/api/prefs", [&engine, session](const Request& req, Response& res) {
         const auto body = readJsonBody(req, res);
         if (!body) return;
         answerJob(engine, res, [&](nlohmann::json& out) {
             if (!updateEnginePrefs([&](Preferences& saved) { return setPreferencesFromJson(saved, *body); })) return false;
+            // A connected drive follows a change of its link at once; the change itself is saved
+            // either way, and a link that cannot be opened is said with the program's message.
+            bool reopened = false;
+            const bool linkOpen = followLinkSettings(*session, &reopened);
             out = prefsJson(prefs());
+            if (reopened) out["scopeConnected"] = linkOpen;
             return true;
         });
     });
@@ -216,11 +221,11 @@ void registerFindRoute(httplib::Server& s, Engine& engine) {
 }  // namespace
 
 void registerApiRoutes(httplib::Server& s, Engine& engine) {
-    registerStateRoutes(s, engine);
+    auto session = std::make_shared<ScopeSession>();
+    registerStateRoutes(s, engine, session);
     registerChartRoutes(s, engine);
     registerFindRoute(s, engine);
     registerSkyRoutes(s, engine);
-    auto session = std::make_shared<ScopeSession>();
     registerScopeRoutes(s, engine, session);
     registerFormRoutes(s, engine, session);
     registerPlansRoutes(s, engine);
