@@ -316,6 +316,11 @@ TEST_F(Server, ChartAndIdentifyNameVega) {
     EXPECT_EQ(png->get_header_value("Content-Type"), "image/png");
     ASSERT_GT(png->body.size(), 8u);
     EXPECT_EQ(png->body.substr(1, 3), "PNG");
+    // Where the time went: the engine's wait, the drawing, the encoding, in milliseconds.
+    const std::string timing = png->get_header_value("Server-Timing");
+    EXPECT_TRUE(timing.starts_with("queue;dur=") && timing.find(", draw;dur=") != std::string::npos &&
+                timing.find(", png;dur=") != std::string::npos)
+        << timing;
     const auto hit = json(client.Get("/api/identify?" + view + "&x=205&y=146"));
     EXPECT_EQ(hit.at("found"), true) << hit.dump();
     EXPECT_EQ(hit.at("name"), "Vega");
