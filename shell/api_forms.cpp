@@ -281,11 +281,10 @@ void registerFormRoutes(httplib::Server& s, Engine& engine, const std::shared_pt
             if (isPreferencePage(id)) {
                 ok = submitPreferencePage(id, *body);
                 // A connected drive follows a change of its link at once (see PUT /api/prefs).
-                bool reopened = false;
-                const bool linkOpen = !ok || followLinkSettings(*session, &reopened);
+                const bool linkChanged = ok && followLinkSettings(*session);
                 form = describeForm(id);
-                if (reopened) {
-                    out = {{"ok", ok}, {"form", form}, {"scopeConnected", linkOpen}};
+                if (linkChanged) {
+                    out = {{"ok", ok}, {"form", form}, {"scopeConnected", session->connected}};
                     return ok;
                 }
             } else if (id == "location") {

@@ -103,10 +103,9 @@ void registerStateRoutes(httplib::Server& s, Engine& engine, const std::shared_p
             if (!updateEnginePrefs([&](Preferences& saved) { return setPreferencesFromJson(saved, *body); })) return false;
             // A connected drive follows a change of its link at once; the change itself is saved
             // either way, and a link that cannot be opened is said with the program's message.
-            bool reopened = false;
-            const bool linkOpen = followLinkSettings(*session, &reopened);
+            const bool linkChanged = followLinkSettings(*session);
             out = prefsJson(prefs());
-            if (reopened) out["scopeConnected"] = linkOpen;
+            if (linkChanged) out["scopeConnected"] = session->connected;
             return true;
         });
     });

@@ -107,21 +107,20 @@ bool stopMove(int direction) {
     return operationSucceeded([&] { return scopeStopMove(direction); });
 }
 
-bool followLinkSettings(ScopeSession& session, bool* reopened) {
-    if (reopened) *reopened = false;
+bool followLinkSettings(ScopeSession& session) {
     const LinkSettings wanted = linkSettingsOf(prefs());
     // The port index follows the device path (prepareScope): only a real change counts.
     LinkSettings compared = wanted;
     if (!compared.device.empty() && compared.device == session.link.device) compared.port = session.link.port;
-    if (!session.connected || compared == session.link) return true;
+    if (!session.connected || compared == session.link) return false;
     // The old link is closed by its own drive's code, on its own port.
     applyLinkSettings(session.link, prefs());
     for (int direction = 0; direction < 4; ++direction)
         if (session.heldMoves.isHeld(direction)) stopMove(direction);
     disconnectScope(session);
     applyLinkSettings(wanted, prefs());
-    if (reopened) *reopened = true;
-    return connectScope(session);
+    if (wanted.drive != kDriveNone) connectScope(session);
+    return true;
 }
 
 void stopAbandonedMoves(ScopeSession& session) {

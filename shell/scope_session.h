@@ -50,10 +50,10 @@ void disconnectScope(ScopeSession& session);
 bool stopMove(int direction);
 
 // After a change of the preferences: when a drive is connected and its link settings changed,
-// the old link is closed and the drive connected with the new settings. True when nothing had
-// to change or the new link is open; false (the program's message shown, the session left
-// disconnected) when it could not be opened. `reopened` tells whether a new link was tried.
-bool followLinkSettings(ScopeSession& session, bool* reopened = nullptr);
+// the old link is closed and the drive connected with the new settings (the drive "None" only
+// closes it). Returns whether the link changed; session.connected then says whether the new
+// one is open (when not, the program's message has said why).
+bool followLinkSettings(ScopeSession& session);
 
 // The watchdog's turn: every held move whose renewals stopped coming is stopped.
 void stopAbandonedMoves(ScopeSession& session);

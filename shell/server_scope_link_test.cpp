@@ -148,6 +148,14 @@ TEST_F(ServerScopeLink, AConnectedDriveFollowsItsLinkPreferences) {
     const auto position = client.Get("/api/scope/position");
     ASSERT_TRUE(position);
     EXPECT_EQ(json(position).at("connected"), false);
+
+    // Connected again, then the drive "None": the link closes, and nothing is complained of.
+    send(client, "PUT", "/api/prefs", {{"scopeDevice", b.devicePath()}});
+    send(client, "POST", "/api/scope/connect", nlohmann::json::object());
+    const auto none = send(client, "PUT", "/api/prefs", {{"scopeDrive", 0}});
+    EXPECT_EQ(none.at("scopeConnected"), false) << none;
+    EXPECT_FALSE(none.contains("messages")) << none;
+    EXPECT_EQ(json(client.Get("/api/scope/position")).at("connected"), false);
 }
 
 TEST_F(ServerScopeLink, ADriveChosenAtConnectOutlivesOtherPreferenceChanges) {
