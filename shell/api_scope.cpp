@@ -3,6 +3,7 @@
 #include <httplib.h>
 
 #include <cmath>
+#include <chrono>
 #include <cstring>
 #include <memory>
 
