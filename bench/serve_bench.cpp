@@ -78,7 +78,15 @@ double percentile(std::vector<double> samples, double p) {
     return samples[std::min(index, samples.size() - 1)];
 }
 
+// The milliseconds of one part of a Server-Timing header ("queue;dur=0.01, draw;dur=18.4"); 0 when absent.
+double serverTimingMs(const std::string& header, const std::string& part) {
+    const std::size_t at = header.find(part + ";dur=");
+    return at == std::string::npos ? 0.0 : std::atof(header.c_str() + at + part.size() + 5);
+}
+
 // One tap: the view centre moves a little each time, as after a drag, and the whole PNG is read.
+// Besides the whole time, the server's own parts (Server-Timing): the wait for the engine, the
+// drawing, the PNG encoding, and what is left (HTTP, copies, the loopback, the client).
 void BM_TapToNewChart(benchmark::State& state) {
     BenchServer& s = benchServer();
     if (!s.ready) {
@@ -88,7 +96,7 @@ void BM_TapToNewChart(benchmark::State& state) {
     const int zoom = static_cast<int>(state.range(0));
     httplib::Client client("127.0.0.1", s.server->port());
     client.set_keep_alive(true);
-    std::vector<double> ms;
+    std::vector<double> ms, queueMs, drawMs, pngMs, restMs;
     std::size_t bytes = 0;
     int step = 0;
     for (auto _ : state) {
@@ -103,9 +111,19 @@ void BM_TapToNewChart(benchmark::State& state) {
             return;
         }
         bytes += r->body.size();
+        const std::string timing = r->get_header_value("Server-Timing");
+        queueMs.push_back(serverTimingMs(timing, "queue"));
+        drawMs.push_back(serverTimingMs(timing, "draw"));
+        pngMs.push_back(serverTimingMs(timing, "png"));
+        restMs.push_back(ms.back() - queueMs.back() - drawMs.back() - pngMs.back());
     }
     state.counters["p50_ms"] = percentile(ms, 0.50);
     state.counters["p95_ms"] = percentile(ms, 0.95);
+    state.counters["queue_p95_ms"] = percentile(queueMs, 0.95);
+    state.counters["draw_p95_ms"] = percentile(drawMs, 0.95);
+    state.counters["png_p95_ms"] = percentile(pngMs, 0.95);
+    state.counters["rest_p95_ms"] = percentile(restMs, 0.95);
+    state.counters["rest_p50_ms"] = percentile(restMs, 0.50);
     state.counters["png_kB"] = ms.empty() ? 0 : static_cast<double>(bytes) / static_cast<double>(ms.size()) / 1024.0;
 }
 BENCHMARK(BM_TapToNewChart)->Arg(0)->Arg(6)->Arg(12)->Unit(benchmark::kMillisecond)->UseRealTime()->MinTime(3.0);

@@ -280,7 +280,13 @@ void registerFormRoutes(httplib::Server& s, Engine& engine, const std::shared_pt
             bool ok = false;
             if (isPreferencePage(id)) {
                 ok = submitPreferencePage(id, *body);
+                // A connected drive follows a change of its link at once (see PUT /api/prefs).
+                const bool linkChanged = ok && followLinkSettings(*session);
                 form = describeForm(id);
+                if (linkChanged) {
+                    out = {{"ok", ok}, {"form", form}, {"scopeConnected", session->connected}};
+                    return ok;
+                }
             } else if (id == "location") {
                 ok = submitLocationPage(*body, form);
             } else if (id == "datetime") {

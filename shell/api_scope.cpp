@@ -3,6 +3,7 @@
 #include <httplib.h>
 
 #include <cmath>
+#include <chrono>
 #include <cstring>
 #include <memory>
 
@@ -31,33 +32,9 @@ namespace {
 using httplib::Request;
 using httplib::Response;
 
+constexpr std::chrono::milliseconds kWatchdogPeriod{100};
 
 
-// Runs an operation, passing its messages on; returns its result and how many it showed.
-int runCountingMessages(const std::function<int()>& operation, std::size_t& shownCount) {
-    std::vector<Message> shown;
-    int result = 0;
-    {
-        MessageCapture capture;
-        result = operation();
-        shown = capture.messages();
-    }
-    for (const Message& m : shown) showMessage(m.title, m.detail);
-    shownCount = shown.size();
-    return result;
-}
-
-// Runs one operation; a failure the protocol did not explain gets a message of its own.
-bool operationSucceeded(const std::function<int()>& operation) {
-    std::size_t shown = 0;
-    if (runCountingMessages(operation, shown)) return true;
-    if (shown == 0) {
-        const std::string_view name = driveListName(prefs().scopeDrive);
-        showMessage("The scope drive did not accept the command",
-                    name.empty() ? std::to_string(prefs().scopeDrive) : std::string(name));
-    }
-    return false;
-}
 
 // A target: {"ra": hours, "dec": degrees} (J2000, numbers or angle texts) or {"name": ...}
 // (a bright star's name, or a catalogue name such as "M 31").
@@ -146,17 +123,7 @@ void registerHandBox(httplib::Server& s, Engine& engine, const std::shared_ptr<S
                 }
                 copyFixedText(prefs().scopeDevice, port.get<std::string>().c_str());
             }
-            prepareScope(*session);
-            session->connected = false;
-            setHoldOpen(0);
-            serialClose();
-            if (!operationSucceeded(scopeConnect)) return false;
-            // "Persistant": the port stays open between operations, so that the marker's reads
-            // do not wait for the port to settle each time. "Upon need": each one opens it.
-            constexpr int kConnectionPersistent = 0;
-            if (prefs().connectionMode == kConnectionPersistent) setHoldOpen(1);
-            else scopeDisconnect();
-            session->connected = true;
+            if (!connectScope(*session)) return false;
             const int code = prefs().scopeDrive;
             out = {{"ok", true}, {"action", "Connected to " + std::string(driveListName(code))}, {"drive", code}};
             return true;
@@ -164,10 +131,7 @@ void registerHandBox(httplib::Server& s, Engine& engine, const std::shared_ptr<S
     });
     s.Post("/api/scope/disconnect", [&engine, session](const Request&, Response& res) {
         answerJob(engine, res, [&](nlohmann::json& out) {
-            session->connected = false;
-            setHoldOpen(0);
-            scopeDisconnect();
-            serialClose();
+            disconnectScope(*session);
             out = {{"ok", true}, {"action", "Disconnect"}};
             return true;
         });
@@ -229,7 +193,10 @@ void registerHandBox(httplib::Server& s, Engine& engine, const std::shared_ptr<S
         answerJob(engine, res, [&](nlohmann::json& out) {
             prepareScope(*session);
             if (!operationSucceeded([&] { return scopeStartMove(*direction); })) return false;
-            out = {{"ok", true}, {"action", "Move"}, {"direction", *direction}};
+            // Held from now on: the page renews it (/api/scope/move/renew) until the release.
+            session->heldMoves.hold(*direction);
+            out = {{"ok", true}, {"action", "Move"}, {"direction", *direction},
+                   {"watchdogMs", MoveWatchdog::kDefaultGrace.count()}};
             return true;
         });
     });
@@ -242,21 +209,26 @@ void registerHandBox(httplib::Server& s, Engine& engine, const std::shared_ptr<S
         answerJob(engine, res, [&](nlohmann::json& out) {
             prepareScope(*session);
             if (all) {
+                session->heldMoves.releaseAll();
                 if (!operationSucceeded(scopeStopAll)) return false;
                 out = {{"ok", true}, {"action", "Stop"}};
                 return true;
             }
-            // The Takahashi stop of one direction reports nothing useful: only its messages count.
-            if (prefs().scopeDrive == kDriveTakahashi) {
-                std::size_t shown = 0;
-                runCountingMessages([&] { return scopeStopMove(*direction); }, shown);
-                if (shown > 0) return false;
-            } else if (!operationSucceeded([&] { return scopeStopMove(*direction); })) {
-                return false;
-            }
+            session->heldMoves.release(*direction);
+            if (!stopMove(*direction)) return false;
             out = {{"ok", true}, {"action", "Stop"}, {"direction", *direction}};
             return true;
         });
+    });
+    // The page still holds a direction key: answered on the request's thread (never behind a
+    // long engine job). {"held": false} when the move was already stopped, by a release, Stop,
+    // or the watchdog after a silence.
+    s.Post("/api/scope/move/renew", [session](const Request& req, Response& res) {
+        const auto body = readJsonBody(req, res);
+        if (!body) return;
+        const auto direction = directionCode(*body);
+        if (!direction) return replyError(res, 400, Message{"Unknown direction", "Give dir: n, s, e or w."});
+        replyJson(res, {{"held", session->heldMoves.renew(*direction)}, {"direction", *direction}});
     });
     s.Get("/api/scope/position", [&engine, session](const Request& req, Response& res) {
         // The view parameters of the chart the page shows (as for chart.png) place the marker.
@@ -370,20 +342,9 @@ void registerAlignment(httplib::Server& s, Engine& engine, const std::shared_ptr
 
 }  // namespace
 
-void prepareScope(ScopeSession& session) {
-    const std::string device(prefs().scopeDevice, strnlen(prefs().scopeDevice, sizeof prefs().scopeDevice));
-    if (!device.empty()) {
-        const int index = portIndexOf(device);
-        if (index > 0) prefs().scopePort = index;
-    }
-    setScopeClock([] { return prefs().moment; });
-    if (!session.restoreOffered) {
-        session.restoreOffered = true;
-        if (offerAlignmentRestore()) installAlignmentMapping();
-    }
-}
-
 void registerScopeRoutes(httplib::Server& s, Engine& engine, const std::shared_ptr<ScopeSession>& session) {
+    // The held-move watchdog looks at its deadlines a few times a second on the engine thread.
+    engine.setPeriodicTask(kWatchdogPeriod, [session] { stopAbandonedMoves(*session); });
     registerHandBox(s, engine, session);
     registerAlignment(s, engine, session);
 }

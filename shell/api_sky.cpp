@@ -38,8 +38,15 @@ void registerSkyRoutes(httplib::Server& s, Engine& engine) {
     s.Get("/api/planets", [&engine](const Request&, Response& res) {
         answerJob(engine, res, [](nlohmann::json& out) { return planetsReportJson(out); });
     });
-    s.Get("/api/twilight", [&engine](const Request&, Response& res) {
-        answerJob(engine, res, [](nlohmann::json& out) { return twilightReportJson(out); });
+    // date=YYYY-MM-DD (optional): the twilights of another local day than the moment's.
+    s.Get("/api/twilight", [&engine](const Request& req, Response& res) {
+        QueryReader r(req.params);
+        std::optional<std::string> date;
+        r.text("date", 10, date);
+        if (!r.ok()) return replyError(res, 400, r.error());
+        answerJob(engine, res, [&](nlohmann::json& out) {
+            return date && !date->empty() ? twilightReportJsonForDate(*date, out) : twilightReportJson(out);
+        });
     });
     s.Get("/api/moon", [&engine](const Request&, Response& res) {
         answerJob(engine, res, [](nlohmann::json& out) { return moonReportJson(out); });

@@ -26,6 +26,27 @@ void Engine::setBeforeEachJob(std::function<void()> hook) {
     run([this, &hook] { beforeEachJob_ = std::move(hook); });
 }
 
+void Engine::setPeriodicTask(std::chrono::milliseconds period, std::function<void()> task) {
+    run([&] {
+        periodicTask_ = std::move(task);
+        period_ = period;
+        nextTick_ = std::chrono::steady_clock::now() + period;
+    });
+}
+
+void Engine::runPeriodicTask() {
+    nextTick_ = std::chrono::steady_clock::now() + period_;
+    MessageCapture capture;
+    try {
+        periodicTask_();
+    } catch (const std::exception& e) {
+        showMessage("Internal error", e.what());
+    } catch (...) {
+        showMessage("Internal error", "unknown exception");
+    }
+    for (const Message& m : capture.messages()) laterMessages_.push_back(m);
+}
+
 std::vector<Message> Engine::run(const std::function<void()>& job) {
     std::vector<Message> messages;
     if (onEngineThread()) {
@@ -48,11 +69,17 @@ void Engine::loop() {
         Job* job = nullptr;
         {
             std::unique_lock lock(jobsMutex_);
-            jobsChanged_.wait(lock, [&] { return quitting_ || !jobs_.empty(); });
-            if (jobs_.empty()) return;  // quitting with nothing left
-            job = jobs_.front();
-            jobs_.pop_front();
+            const auto ready = [&] { return quitting_ || !jobs_.empty(); };
+            if (periodicTask_) jobsChanged_.wait_until(lock, nextTick_, ready);
+            else jobsChanged_.wait(lock, ready);
+            if (quitting_ && jobs_.empty()) return;  // quitting with nothing left
+            if (!jobs_.empty()) {
+                job = jobs_.front();
+                jobs_.pop_front();
+            }
         }
+        if (periodicTask_ && std::chrono::steady_clock::now() >= nextTick_) runPeriodicTask();
+        if (!job) continue;
         stop_ = false;
         {
             MessageCapture capture;
@@ -66,7 +93,9 @@ void Engine::loop() {
                 showMessage("Internal error", "unknown exception");
             }
             setQuestionSink(std::move(previous));
-            *job->messages = capture.messages();
+            *job->messages = std::move(laterMessages_);
+            laterMessages_.clear();
+            for (const Message& m : capture.messages()) job->messages->push_back(m);
         }
         {
             std::lock_guard lock(jobsMutex_);

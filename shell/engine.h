@@ -3,7 +3,8 @@
 // the serial link, the alignment). Other threads (the web server's) hand it jobs and wait for
 // the answer. Every message the engine shows during a job is collected and returned with it;
 // a question it asks is parked in a slot that the page polls and answers; a stop flag, set
-// from any thread, ends the long loops of the running job.
+// from any thread, ends the long loops of the running job. One periodic task (the hand box's
+// held-move watchdog) runs on the same thread between jobs.
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -41,6 +42,12 @@ public:
     // Runs before each job on the engine thread (the web layer refreshes the moment there).
     void setBeforeEachJob(std::function<void()> hook);
 
+    // A task run on the engine thread every `period` (after the running job when one is under
+    // way), so that a check on a clock needs no thread of its own. The messages it shows are
+    // kept and returned with the next job's. One task; a later call replaces it, an empty
+    // function removes it.
+    void setPeriodicTask(std::chrono::milliseconds period, std::function<void()> task);
+
     // The stop flag: cleared when a job starts, set by the page's Stop button.
     void requestStop();
     bool stopRequested() const { return stop_.load(); }
@@ -59,10 +66,16 @@ private:
         bool done = false;
     };
     void loop();
+    void runPeriodicTask();
     bool askThroughPage(std::string_view question);
 
     std::chrono::milliseconds questionTimeout_;
     std::function<void()> beforeEachJob_;
+    // Engine thread only: the periodic task, when it runs next, and the messages it showed.
+    std::function<void()> periodicTask_;
+    std::chrono::milliseconds period_{0};
+    std::chrono::steady_clock::time_point nextTick_{};
+    std::vector<Message> laterMessages_;
     std::atomic<bool> stop_{false};
 
     std::mutex jobsMutex_;

@@ -3,15 +3,23 @@
 #include <cstring>
 
 #include "settings/preferences.h"
+#include "shell/scope_session.h"
 
 namespace nocturnel {
 
 bool updateEnginePrefs(const PreferencesChange& change) {
     Preferences saved;
-    if (!updateSavedPreferences(change, &saved)) return false;
+    LinkSettings savedLinkBefore;
+    const auto changeNotingTheLink = [&](Preferences& record) {
+        savedLinkBefore = linkSettingsOf(record);
+        return change(record);
+    };
+    if (!updateSavedPreferences(changeNotingTheLink, &saved)) return false;
     const ObservingMoment moment = prefs().moment;
+    const LinkSettings engineLink = linkSettingsOf(prefs());
     prefs() = saved;
     prefs().moment = moment;
+    if (linkSettingsOf(saved) == savedLinkBefore) applyLinkSettings(engineLink, prefs());
     return true;
 }
 

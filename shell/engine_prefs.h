@@ -7,7 +7,9 @@
 namespace nocturnel {
 
 // Applies `change` to the saved record under the folder lock and saves it; prefs() then
-// becomes the record as saved, with the engine's observing moment kept. False (with the
+// becomes the record as saved, with the engine's observing moment kept, and its telescope link
+// settings (drive, port, device, "Connection"; a Connect may have chosen them for the
+// session) kept unless this change set them. False (with the
 // message) when the change refuses or the save fails; prefs() is then left as it was.
 bool updateEnginePrefs(const PreferencesChange& change);
 

@@ -102,6 +102,21 @@ std::string cookieValue(const httplib::Request& req, std::string_view name) {
     return {};
 }
 
+// What the answer may be compressed with. httplib compresses text and JSON answers on its own,
+// preferring brotli at its slowest quality (about 50 ms for a 14 KB script, 2..14 ms for a tiny
+// JSON answer), so: nothing for a browser on this machine, where compressing costs time and
+// saves none, and gzip only for one on the network.
+void limitCompression(const httplib::Request& req) {
+    // The request is httplib's own non-const object, handed to the handlers as const.
+    auto& headers = const_cast<httplib::Headers&>(req.headers);
+    const auto it = headers.find("Accept-Encoding");
+    if (it == headers.end()) return;
+    const bool local = req.remote_addr.starts_with("127.") || req.remote_addr == "::1" ||
+                       req.remote_addr.starts_with("::ffff:127.");
+    if (local || it->second.find("gzip") == std::string::npos) headers.erase(it);
+    else it->second = "gzip";
+}
+
 // Compares without an early exit, so the time taken says nothing about the token.
 bool sameToken(std::string_view given, std::string_view token) {
     if (given.size() != token.size()) return false;
@@ -151,6 +166,7 @@ WebServer::WebServer(Engine& engine, ServeOptions options)
     s.set_write_timeout(10);
 
     s.set_pre_routing_handler([this](const httplib::Request& req, httplib::Response& res) {
+        limitCompression(req);
         if (token_.empty()) return httplib::Server::HandlerResponse::Unhandled;
         std::string given = req.get_param_value("token");
         bool fromQuery = !given.empty();

@@ -75,6 +75,34 @@ TEST_F(ServerSky, AnswersAreTheCommandLinesJson) {
     EXPECT_TRUE(orionNebula) << answers[7];
 }
 
+// The Twilight screen's other dates: the command line's answer for that --date, the engine's
+// moment left where it was.
+TEST_F(ServerSky, TwilightOfAnotherDateIsTheCommandLinesForThatDate) {
+    if (!hasData_) GTEST_SKIP() << "NOCTURNEL_TEST_DATA holds no built catalogues";
+    nlohmann::json midsummer, now;
+    {
+        TestServer server(home_);
+        ASSERT_TRUE(server.ready());
+        httplib::Client client("127.0.0.1", server.port());
+        auto r = client.Get("/api/twilight?date=2026-06-21");
+        ASSERT_TRUE(r);
+        ASSERT_EQ(r->status, 200) << r->body;
+        midsummer = json(r);
+        now = json(client.Get("/api/now"));
+    }
+    const nlohmann::json expected = runCommandLine({"--home", home_.string(), "--json", "--date", "2026-06-21", "--time",
+                                                    "22:00", "twilight"}).json();
+    closeCatalogues();
+    EXPECT_EQ(midsummer, expected);
+    EXPECT_EQ(midsummer.at("date"), "2026-06-21");
+    EXPECT_EQ(now.at("month"), 11) << "the moment stays on its own date";
+    // Evening in order: sunset, civil, nautical dusk (ISO local times compare as text).
+    ASSERT_TRUE(midsummer.at("sunset").is_string() && midsummer.at("nauticalDusk").is_string()) << midsummer;
+    EXPECT_LT(midsummer.at("sunset").get<std::string>(), midsummer.at("civilDusk").get<std::string>());
+    EXPECT_LT(midsummer.at("civilDusk").get<std::string>(), midsummer.at("nauticalDusk").get<std::string>());
+    
+}
+
 TEST_F(ServerSky, BadParametersAreRefusedWithAMessage) {
     if (!hasData_) GTEST_SKIP() << "NOCTURNEL_TEST_DATA holds no built catalogues";
     struct Row {
@@ -92,6 +120,9 @@ TEST_F(ServerSky, BadParametersAreRefusedWithAMessage) {
         {"/api/events?from=2026-02-01&to=2026-01-01", 422, "Invalid date"},
         {"/api/events?from=2026-13-01&to=2026-12-01", 422, "Invalid date"},
         {"/api/events?from=2026-01-01&to=2026-02-01&kind=eclipse", 422, "Unknown event kind"},
+        {"/api/twilight?date=2026-02-30", 422, "Invalid date"},
+        {"/api/twilight?date=tomorrow", 422, "Invalid date"},
+        {"/api/twilight?date=2026-06-21T00", 400, nullptr},
     };
     TestServer server(home_);
     ASSERT_TRUE(server.ready());

@@ -87,6 +87,19 @@ bool twilightReportJson(nlohmann::json& out) {
     return true;
 }
 
+bool twilightReportJsonForDate(const std::string& dateText, nlohmann::json& out) {
+    ObservingMoment day = prefs().moment;
+    if (!readDateOption(dateText, day)) {
+        showMessage("Invalid date", "use YYYY-MM-DD");
+        return false;
+    }
+    const ObservingMoment kept = prefs().moment;
+    prefs().moment = day;
+    const bool ok = twilightReportJson(out);
+    prefs().moment = kept;
+    return ok;
+}
+
 bool moonReportJson(nlohmann::json& out) {
     const SkyRequest request = skyRequestFromPreferences(true);
     SolarBodyReport moon;

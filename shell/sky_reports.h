@@ -14,6 +14,8 @@ bool planetsReportJson(nlohmann::json& out);
 // Rise, transit and set of a body, a bright star or a catalogue object on the local day.
 bool riseReportJson(const std::string& name, nlohmann::json& out);
 bool twilightReportJson(nlohmann::json& out);
+// The same for another local date (YYYY-MM-DD) at the site; the moment itself is kept.
+bool twilightReportJsonForDate(const std::string& dateText, nlohmann::json& out);
 bool moonReportJson(nlohmann::json& out);
 // Events from the local date fromText to toText (both YYYY-MM-DD, toText included), of one kind
 // when kind is not empty; refused when the range is longer than maxYears.

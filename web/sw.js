@@ -5,10 +5,11 @@ const FILES = [
   './', 'index.html', 'style.css', 'manifest.webmanifest',
   'icons/icon.svg', 'icons/icon-192.png', 'icons/icon-512.png',
   'js/app.js', 'js/api.js', 'js/dom.js', 'js/modal.js', 'js/state.js', 'js/screens.js', 'js/form.js',
-  'js/formscreen.js', 'js/describe.js',
+  'js/formscreen.js', 'js/describe.js', 'js/card.js',
   'js/screens/chart.js', 'js/screens/finder.js', 'js/screens/datetime.js', 'js/screens/prefs.js',
   'js/screens/location.js', 'js/screens/handbox.js', 'js/screens/align.js', 'js/screens/report.js',
-  'js/screens/roamer.js', 'js/screens/logs.js',
+  'js/screens/roamer.js', 'js/screens/logs.js', 'js/screens/planets.js', 'js/screens/moon.js',
+  'js/screens/events.js', 'js/screens/twilight.js',
 ];
 
 self.addEventListener('install', (event) => {

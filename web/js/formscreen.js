@@ -7,7 +7,7 @@
 import { el } from './dom.js';
 import { get, post } from './api.js';
 import { renderForm } from './form.js';
-import { loadPrefs } from './state.js';
+import { loadPrefs, state } from './state.js';
 
 const CLOSING = new Set(['ok', 'accept', 'cancel']);
 // Two-way selectors the engine reads as true/false: the values carry the scale the fields were
@@ -47,6 +47,8 @@ export async function mountForm(container, ctx, firstId, { onShow = null } = {})
       chosen[key] = isOn(input.read());
     }
     const r = await post(path(formId), { ...chosen, ...body, values });
+    // A connected drive followed a change of its link: reopened, or left disconnected.
+    if (typeof r.scopeConnected === 'boolean') state.scopeConnected = r.scopeConnected;
     if (r.form) draw(r.form);
     return r;
   }

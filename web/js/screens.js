@@ -9,6 +9,7 @@ export const SCREENS = [
   { id: 'logs', menu: 'Tools', label: 'Observer Logs', module: './screens/logs.js' },
   { id: 'planets', menu: 'Tools', label: 'Planets', module: './screens/planets.js' },
   { id: 'moon', menu: 'Tools', label: 'Moon', module: './screens/moon.js' },
+  { id: 'twilight', menu: 'Tools', label: 'Twilight', module: './screens/twilight.js' },
   { id: 'events', menu: 'Assistants', label: 'Events', module: './screens/events.js' },
   { id: 'align', menu: 'Assistants', label: '2 Stars Alignment', module: './screens/align.js' },
   { id: 'roamer', menu: 'Assistants', label: 'SkyRoamer', module: './screens/roamer.js' },

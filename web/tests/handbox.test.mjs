@@ -87,6 +87,32 @@ test('a rate and press-and-hold reach the mount, release stops it', async () => 
   assert.equal((await all).status(), 200);
 });
 
+test('a held key whose page loses the network: the engine stops the move itself', async () => {
+  const slow = { timeout: 20000 };
+  const north = page.locator('[data-direction=n]');
+  const box = await north.boundingBox();
+  const before = await position();
+  await page.mouse.move(box.x + box.width / 2, box.y + box.height / 2);
+  const moved = page.waitForResponse((r) => r.url().endsWith('/api/scope/move'), slow);
+  const renewed = page.waitForResponse((r) => r.url().endsWith('/api/scope/move/renew'), slow);
+  await page.mouse.down();
+  assert.equal((await moved).status(), 200);
+  assert.equal((await (await renewed).json()).held, true, 'the held move is renewed');
+  // The network goes: neither the renewals nor the release reach the engine any more.
+  await page.route('**/api/scope/**', (route) => route.abort());
+  await new Promise((r) => setTimeout(r, 2000));
+  const a = await position();
+  await new Promise((r) => setTimeout(r, 1000));
+  const b = await position();
+  assert.ok(a.dec > before.dec, `the mount turned north while the key was held (${before.dec} -> ${a.dec})`);
+  assert.deepEqual([a.ra, a.dec], [b.ra, b.dec], 'the engine stopped the mount a second after the renewals stopped');
+  // The network comes back: the next renewal learns that the move is over and the key lets go.
+  await page.unroute('**/api/scope/**');
+  await page.waitForFunction(() => !document.querySelector('[data-direction=n]').classList.contains('held'), null, slow);
+  await page.mouse.up();
+  assert.deepEqual(await drainMessages(page, 300), [], 'no message: the stop went through');
+});
+
 test('GoTo Vega ends with the mount at Vega', async () => {
   await page.locator('input[name=target]').fill('HIP 91262');
   await page.locator('input[name=target]').press('Enter');

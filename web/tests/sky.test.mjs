@@ -50,6 +50,29 @@ test('the Moon screen shows a phase name and the next four phases', async () => 
   assert.match(await page.locator('[data-testid=rise]').textContent(), /Rise/);
 });
 
+test('the Twilight screen shows the day\'s dawns, sunrise, sunset and dusks, and another date\'s', async () => {
+  await openScreen(page, 'Twilight');
+  const table = page.locator('[data-testid=twilight]');
+  await page.locator('[data-testid=twilight] [data-testid=astronomicalDusk]').waitFor();
+  const engine = await (await fetch(server.url + '/api/twilight')).json();
+  assert.equal(await table.getAttribute('data-date'), engine.date, 'the engine\'s date first');
+  const shown = async (key) => page.locator(`[data-testid=twilight] [data-testid=${key}] .value`).textContent();
+  for (const key of ['sunrise', 'sunset', 'civilDawn', 'civilDusk', 'nauticalDawn', 'nauticalDusk', 'astronomicalDawn', 'astronomicalDusk'])
+    assert.equal(await shown(key), engine[key] ? engine[key].slice(11, 16) : '--:--', key);
+  // The rows read in the order of the day.
+  const times = await page.locator('[data-testid=twilight] .row').evaluateAll((rows) => rows.map((r) => r.dataset.time).filter(Boolean));
+  assert.deepEqual(times, [...times].sort());
+  assert.deepEqual(await smallTargets(), []);
+  // Another date: midsummer's evening comes later than midwinter's.
+  await page.locator('input[name=date]').fill('2026-06-21');
+  await page.locator('button', { hasText: 'Show' }).click();
+  await page.locator('[data-testid=twilight][data-date="2026-06-21"]').waitFor();
+  const june = await (await fetch(server.url + '/api/twilight?date=2026-06-21')).json();
+  assert.equal(await shown('sunset'), june.sunset.slice(11, 16));
+  const december = await (await fetch(server.url + '/api/twilight?date=2026-12-21')).json();
+  assert.ok(june.sunset.slice(11) > december.sunset.slice(11), `${june.sunset} after ${december.sunset}`);
+});
+
 test('the Events screen lists the events of a kind between two dates', async () => {
   await openScreen(page, 'Events');
   await page.locator('input[name=from]').fill('2024-01-01');

@@ -1,6 +1,8 @@
 // The telescope hand box: connect, the four rates, press-and-hold N/S/E/W that stops on
 // release (and whenever the finger or the page is lost), stop all, the position read-out and
-// GoTo/Sync of the chosen object.
+// GoTo/Sync of the chosen object. A held move is renewed every RENEW_MS: should the release
+// never arrive (tab closed, phone asleep, network lost) the engine stops the move itself
+// about a second after the last renewal.
 import { el } from '../dom.js';
 import { get, post as send, query } from '../api.js';
 import { state } from '../state.js';
@@ -8,6 +10,7 @@ import { objectName, hoursText, degreesText } from '../describe.js';
 
 const RATES = ['Slew', 'Find', 'Centre', 'Guide'];   // 0 fastest .. 3 slowest
 const POLL_MS = 3000;   // quiet time before the read-out asks the mount again
+const RENEW_MS = 250;   // a held move's renewals (the engine's watchdog waits about 1 s)
 
 export async function mount(container) {
   const readout = el('div', { class: 'readout', 'data-testid': 'position' }, '—');
@@ -66,7 +69,13 @@ export async function mount(container) {
 
   // A stop goes out after its move has been answered, so it can never overtake it.
   const moveSent = new Map();
+  const renewals = new Map();
+  function stopRenewing(direction) {
+    clearInterval(renewals.get(direction));
+    renewals.delete(direction);
+  }
   function stop(direction) {
+    stopRenewing(direction);
     if (!moving.delete(direction)) return;
     const sent = moveSent.get(direction) || Promise.resolve();
     moveSent.delete(direction);
@@ -83,7 +92,18 @@ export async function mount(container) {
       moving.add(direction);
       b.classList.add('held');
       moveSent.set(direction, post('/api/scope/move', { dir: direction }, { quiet: true }).then((r) => {
-        if (!r.ok) { moving.delete(direction); b.classList.remove('held'); }
+        if (!r.ok) { moving.delete(direction); b.classList.remove('held'); return; }
+        if (!moving.has(direction) || renewals.has(direction)) return;   // released meanwhile, or renewed already
+        renewals.set(direction, setInterval(async () => {
+          const renewed = await send('/api/scope/move/renew', { dir: direction }, { quiet: true, silent: true });
+          // Already stopped by the engine (no renewal came in time): the key lets go too.
+          if (renewed.ok && renewed.held === false && renewals.has(direction)) {
+            stopRenewing(direction);
+            moving.delete(direction);
+            moveSent.delete(direction);
+            b.classList.remove('held');
+          }
+        }, RENEW_MS));
       }));
     });
     const end = () => { b.classList.remove('held'); stop(direction); };
@@ -116,7 +136,7 @@ export async function mount(container) {
     el('div', { class: 'pad' },
       el('span'), moveButton('n', 'N'), el('span'),
       moveButton('e', 'E'),
-      el('button', { class: 'primary', 'data-testid': 'stop-all', onclick: () => { moving.clear(); post('/api/scope/stop', {}); } }, 'Stop'),
+      el('button', { class: 'primary', 'data-testid': 'stop-all', onclick: () => { for (const d of [...renewals.keys()]) stopRenewing(d); moving.clear(); post('/api/scope/stop', {}); } }, 'Stop'),
       moveButton('w', 'W'),
       el('span'), moveButton('s', 'S'), el('span')),
     el('div', { class: 'group' },
