@@ -2,7 +2,6 @@
 
 #include <zlib.h>
 
-#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -23,6 +22,160 @@ std::size_t putChunk(std::vector<uint8_t>& out, std::size_t at, const char (&typ
     return at + 12 + length;
 }
 
+// The fixed Huffman code of deflate (RFC 1951, 3.2.6): each literal/length symbol's code, bit
+// reversed (deflate sends Huffman codes from their top bit into a stream filled from the
+// bottom), and its length in bits; and for each match length 3..258 its symbol's code with
+// the extra bits already appended.
+struct FixedCode {
+    std::array<uint32_t, 288> code{};
+    std::array<uint8_t, 288> bits{};
+    std::array<uint32_t, 259> lengthCode{};
+    std::array<uint8_t, 259> lengthBits{};
+};
+
+uint32_t reversed(uint32_t code, int bits) {
+    uint32_t r = 0;
+    for (int i = 0; i < bits; ++i) r |= ((code >> i) & 1u) << (bits - 1 - i);
+    return r;
+}
+
+const FixedCode& fixedCode() {
+    static const FixedCode table = [] {
+        FixedCode t;
+        for (uint32_t s = 0; s < 288; ++s) {
+            uint32_t code = 0;
+            int bits = 0;
+            if (s < 144) code = 0x30 + s, bits = 8;
+            else if (s < 256) code = 0x190 + (s - 144), bits = 9;
+            else if (s < 280) code = s - 256, bits = 7;
+            else code = 0xC0 + (s - 280), bits = 8;
+            t.code[s] = reversed(code, bits);
+            t.bits[s] = static_cast<uint8_t>(bits);
+        }
+        static constexpr std::array<int, 29> kBase = {3,  4,  5,  6,  7,  8,  9,  10, 11,  13,  15,  17,  19,  23, 27,
+                                                      31, 35, 43, 51, 59, 67, 83, 99, 115, 131, 163, 195, 227, 258};
+        static constexpr std::array<int, 29> kExtra = {0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2,
+                                                       2, 3, 3, 3, 3, 4, 4, 4, 4, 5, 5, 5, 5, 0};
+        for (int length = 3; length <= 258; ++length) {
+            int k = 28;
+            while (kBase[static_cast<std::size_t>(k)] > length) --k;
+            const std::size_t symbol = 257 + static_cast<std::size_t>(k);
+            const int extra = kExtra[static_cast<std::size_t>(k)];
+            t.lengthCode[static_cast<std::size_t>(length)] =
+                t.code[symbol] | static_cast<uint32_t>(length - kBase[static_cast<std::size_t>(k)]) << t.bits[symbol];
+            t.lengthBits[static_cast<std::size_t>(length)] = static_cast<uint8_t>(t.bits[symbol] + extra);
+        }
+        return t;
+    }();
+    return table;
+}
+
+// The zlib stream of the filtered rows as one deflate block of the fixed code, whose only
+// matches repeat the previous byte (distance 1). After the "Sub" filter the dark sky, the
+// ground and every flat tint are runs of zero bytes, so a chart is mostly runs: each costs a
+// few bits per 258 bytes and is found a pixel at a time, and the Adler-32 checksum of a run is
+// added in one step. The busy pixels (stars, lines, text) are literals of 8 or 9 bits.
+class RunDeflater {
+public:
+    explicit RunDeflater(std::vector<uint8_t>& out) : out_(out), code_(fixedCode()) {}
+
+    void begin() {
+        out_.push_back(0x78);  // deflate, 32 KiB window
+        out_.push_back(0x01);  // no dictionary, fastest; (0x78 << 8 | 0x01) is a multiple of 31
+        put(0x3, 3);           // the last block, of the fixed code
+    }
+
+    // Room for one more row of `bytes` bytes, however it encodes (9 bits a byte at worst).
+    void reserveRow(std::size_t bytes) {
+        if (out_.capacity() < out_.size() + bytes * 9 / 8 + 64) out_.reserve((out_.size() + bytes * 9 / 8 + 64) * 3 / 2);
+    }
+
+    void byte(uint8_t value) {
+        a_ += value;
+        b_ += a_;
+        if (value == last_ && started_) {
+            if (++run_ == 258) flushRun();
+            return;
+        }
+        flushRun();
+        literal(value);
+    }
+
+    // `count` more zero bytes.
+    void zeros(std::size_t count) {
+        if (count == 0) return;
+        if (last_ != 0 || !started_) {
+            byte(0);
+            --count;
+        }
+        // The checksum advances by all of them at once (zeros add nothing to the byte sum), and
+        // the run is written as matches of 258 bytes, its rest kept for the next bytes.
+        b_ += a_ * count;
+        const std::size_t total = run_ + count;
+        for (std::size_t i = 0; i < total / 258; ++i) match(258);
+        run_ = total % 258;
+    }
+
+    // Ends a row: keeps the checksum's sums small (a row adds at most 255 x 24,577 to a).
+    void endRow() { reduce(); }
+
+    void finish() {
+        flushRun();
+        put(code_.code[256], code_.bits[256]);  // end of block
+        while (count_ > 0) emitByte();
+        reduce();
+        const uint32_t adler = static_cast<uint32_t>(b_ << 16 | a_);
+        for (int i = 0; i < 4; ++i) out_.push_back(static_cast<uint8_t>(adler >> (24 - 8 * i)));
+    }
+
+private:
+    static constexpr uint32_t kAdlerModulus = 65521;
+
+    void put(uint64_t bits, int count) {
+        acc_ |= bits << count_;
+        count_ += count;
+        while (count_ >= 8) emitByte();
+    }
+    void emitByte() {
+        out_.push_back(static_cast<uint8_t>(acc_));
+        acc_ >>= 8;
+        count_ = count_ >= 8 ? count_ - 8 : 0;
+    }
+    void literal(uint8_t value) {
+        put(code_.code[value], code_.bits[value]);
+        last_ = value;
+        started_ = true;
+    }
+    // A match of `length` (3..258) copies of the previous byte.
+    void match(std::size_t length) {
+        put(code_.lengthCode[length], code_.lengthBits[length]);
+        put(0, 5);  // distance 1: distance code 0
+    }
+    void flushRun() {
+        if (run_ == 0) return;
+        const std::size_t n = run_;
+        run_ = 0;
+        if (n >= 3) {
+            match(n);
+        } else {
+            for (std::size_t i = 0; i < n; ++i) put(code_.code[last_], code_.bits[last_]);
+        }
+    }
+    void reduce() {
+        a_ %= kAdlerModulus;
+        b_ %= kAdlerModulus;
+    }
+
+    std::vector<uint8_t>& out_;
+    const FixedCode& code_;
+    uint64_t acc_ = 0;
+    int count_ = 0;
+    uint8_t last_ = 0;
+    bool started_ = false;
+    std::size_t run_ = 0;  // repeats of last_ not yet written (0..257)
+    uint64_t a_ = 1, b_ = 0;
+};
+
 }  // namespace
 
 bool encodePng(cairo_surface_t* surface, std::vector<uint8_t>& png) {
@@ -35,59 +188,41 @@ bool encodePng(cairo_surface_t* surface, std::vector<uint8_t>& png) {
     const unsigned char* data = cairo_image_surface_get_data(surface);
     if (data == nullptr || width <= 0 || height <= 0) return false;
 
-    // Rows: filter byte 1 ("Sub": each byte minus the same channel of the pixel to its left),
-    // filtered a band at a time into a small buffer and deflated straight into the PNG, so no
-    // image-sized buffer is allocated (and zero-filled) per chart.
-    const std::size_t rowBytes = 1 + static_cast<std::size_t>(width) * 3;
-    const std::size_t rawBytes = rowBytes * static_cast<std::size_t>(height);
-    constexpr int kBandRows = 16;
-    std::vector<uint8_t> band(rowBytes * kBandRows);
-    z_stream z{};
-    if (deflateInit2(&z, Z_BEST_SPEED, Z_DEFLATED, 15, 8, Z_DEFAULT_STRATEGY) != Z_OK) return false;
-    // The IDAT data goes after the signature, IHDR and the IDAT chunk's length and type; the
-    // PNG grows as deflate fills it (reserved to zlib's bound, zero-filled only as far as used).
+    // Signature, IHDR, then the IDAT chunk's length and type; its data (the zlib stream) is
+    // written in place after them, and the lengths and CRCs filled in at the end.
     constexpr std::size_t kIdatData = 8 + (12 + 13) + 8;
-    constexpr std::size_t kGrowBytes = 64 * 1024;
+    const std::size_t rowBytes = 1 + static_cast<std::size_t>(width) * 3;
     png.clear();
-    png.reserve(kIdatData + deflateBound(&z, static_cast<uLong>(rawBytes)) + 4 + 12);
-    const auto deflateBand = [&](const uint8_t* in, std::size_t length, bool last) {
-        z.next_in = const_cast<uint8_t*>(in);
-        z.avail_in = static_cast<uInt>(length);
-        for (;;) {
-            if (z.avail_out == 0) {
-                const std::size_t used = kIdatData + z.total_out;
-                png.resize(used + kGrowBytes);
-                z.next_out = png.data() + used;
-                z.avail_out = static_cast<uInt>(kGrowBytes);
+    png.reserve(kIdatData + rowBytes * static_cast<std::size_t>(height) / 4 + 1024);
+    png.resize(kIdatData);
+    RunDeflater deflater(png);
+    deflater.begin();
+    // Rows: filter byte 1 ("Sub": each byte minus the same channel of the pixel to its left),
+    // filtered as they are deflated. A pixel equal to the one on its left is three zero bytes.
+    for (int y = 0; y < height; ++y) {
+        deflater.reserveRow(rowBytes);
+        const auto* line = reinterpret_cast<const uint32_t*>(data + static_cast<std::ptrdiff_t>(y) * stride);
+        deflater.byte(1);
+        uint32_t previous = 0;
+        for (int x = 0; x < width;) {
+            const uint32_t pixel = line[x] & 0xFFFFFFu;
+            if (pixel == previous) {
+                int same = x + 1;
+                while (same < width && (line[same] & 0xFFFFFFu) == previous) ++same;
+                deflater.zeros(static_cast<std::size_t>(same - x) * 3);
+                x = same;
+                continue;
             }
-            const int status = deflate(&z, last ? Z_FINISH : Z_NO_FLUSH);
-            if (last && status == Z_STREAM_END) return true;
-            if (status != Z_OK && status != Z_BUF_ERROR) return false;
-            if (!last && z.avail_in == 0) return true;
-            if (z.avail_out != 0) return false;  // no progress with room left: a zlib fault
+            deflater.byte(static_cast<uint8_t>((pixel >> 16) - (previous >> 16)));
+            deflater.byte(static_cast<uint8_t>((pixel >> 8) - (previous >> 8)));
+            deflater.byte(static_cast<uint8_t>(pixel - previous));
+            previous = pixel;
+            ++x;
         }
-    };
-    bool deflated = true;
-    for (int y0 = 0; y0 < height && deflated; y0 += kBandRows) {
-        const int rows = std::min(kBandRows, height - y0);
-        for (int r = 0; r < rows; ++r) {
-            const auto* line = reinterpret_cast<const uint32_t*>(data + static_cast<std::ptrdiff_t>(y0 + r) * stride);
-            uint8_t* row = &band[rowBytes * static_cast<std::size_t>(r)];
-            row[0] = 1;
-            uint32_t previous = 0;
-            for (int x = 0; x < width; ++x) {
-                const uint32_t pixel = line[x];
-                row[1 + 3 * x] = static_cast<uint8_t>((pixel >> 16) - (previous >> 16));
-                row[2 + 3 * x] = static_cast<uint8_t>((pixel >> 8) - (previous >> 8));
-                row[3 + 3 * x] = static_cast<uint8_t>(pixel - previous);
-                previous = pixel;
-            }
-        }
-        deflated = deflateBand(band.data(), rowBytes * static_cast<std::size_t>(rows), y0 + rows >= height);
+        deflater.endRow();
     }
-    const std::size_t packedSize = z.total_out;
-    deflateEnd(&z);
-    if (!deflated) return false;
+    deflater.finish();
+    const std::size_t packedSize = png.size() - kIdatData;
 
     // Width, height, then 8 bits, RGB, deflate, adaptive filtering, no interlace.
     std::array<uint8_t, 13> header{};
