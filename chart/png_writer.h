@@ -1,8 +1,8 @@
 #pragma once
 // PNG encoding of the finished chart (RGB, 8 bits per channel). Charts are mostly dark sky and
-// flat tints, so the rows are filtered with "Sub" and deflated by our own one-pass encoder that
-// writes runs of repeated bytes as matches and everything else as literals of deflate's fixed
-// code: several times faster than zlib's fastest level, for PNGs about a third larger.
+// flat tints, so the rows are filtered with "Sub" and deflated by our own encoder that finds
+// only runs of repeated bytes and codes them and the busy pixels with a Huffman code made for
+// the chart: several times faster than zlib's fastest level, for PNGs of about the same size.
 #include <cairo.h>
 
 #include <cstdint>
