@@ -41,8 +41,9 @@ MaybePoint equatorialPoint(const ChartView& view, const SkyFrame& frame, double 
     return p;
 }
 
-// Adds a sampled curve to the current path, broken where a point is missing or the panorama wraps.
-void addCurve(const LayerContext& ctx, const std::vector<MaybePoint>& points) {
+// Strokes a sampled curve, broken where a point is missing or the panorama wraps. (Each curve
+// is stroked alone: one stroke of many long crossing curves is slower for cairo than several.)
+void strokeCurve(const LayerContext& ctx, const std::vector<MaybePoint>& points) {
     const int period = chartPeriodPixels(ctx.view);
     bool open = false;
     MaybePoint previous;
@@ -63,11 +64,6 @@ void addCurve(const LayerContext& ctx, const std::vector<MaybePoint>& points) {
         }
         previous = p;
     }
-}
-
-// Strokes a sampled curve (as addCurve).
-void strokeCurve(const LayerContext& ctx, const std::vector<MaybePoint>& points) {
-    addCurve(ctx, points);
     cairo_stroke(ctx.cr);
 }
 
@@ -225,16 +221,14 @@ void drawAltAzGrid(const LayerContext& ctx) {
         if (alt <= 0) continue;
         std::vector<MaybePoint> points;
         for (int i = 0; i <= kSamples; ++i) points.push_back(horizontalPoint(ctx.view, azFrom + (azTo - azFrom) * i / kSamples, alt));
-        addCurve(ctx, points);
+        strokeCurve(ctx, points);
     }
     const double azStep = std::max(step, step * 2 * std::floor(1 / std::max(0.05, std::cos(std::min(ctx.view.centreAltDeg, 85.0) * kDegToRad))));
     for (double az = std::ceil(azFrom / azStep) * azStep; az <= azTo; az += azStep) {
         std::vector<MaybePoint> points;
         for (int i = 0; i <= kSamples; ++i) points.push_back(horizontalPoint(ctx.view, az, altFrom + (std::min(altTo, 90 - step) - altFrom) * i / kSamples));
-        addCurve(ctx, points);
+        strokeCurve(ctx, points);
     }
-    // One stroke for the whole grid: one pass of the rasteriser instead of one per line.
-    cairo_stroke(ctx.cr);
 }
 
 void drawEcliptic(const LayerContext& ctx, double jdUt) {
@@ -332,13 +326,7 @@ void drawDeepSkyObjects(const LayerContext& ctx, float magnitudeLimit, std::vect
     cairo_t* cr = ctx.cr;
     const double pixelsPerArcmin =
         std::min(ctx.view.width, ctx.view.height) / (fieldOfViewDeg(ctx.view.zoomLevel) * 60.0);
-    // The symbols are gathered by kind and each kind stroked at once: one pass of the
-    // rasteriser per colour instead of one per object.
-    enum Kind { kGalaxy, kNebula, kOpenCluster, kGlobularCluster, kOther, kKinds };
-    struct Symbol {
-        double x, y, major, minor, angleRad;
-    };
-    std::array<std::vector<Symbol>, kKinds> symbols;
+    cairo_set_line_width(cr, ctx.px(1.0));
     for (const ChartObject& object : chartObjects()) {
         // Objects of unknown magnitude show only when objects are not limited.
         if (object.mag == 0 ? magnitudeLimit < 100 : object.mag > magnitudeLimit) continue;
@@ -348,76 +336,68 @@ void drawDeepSkyObjects(const LayerContext& ctx, float magnitudeLimit, std::vect
         const double major = std::clamp(object.majorArcmin * pixelsPerArcmin / 2, ctx.px(3.0), ctx.px(200.0));
         const double minor =
             object.minorArcmin > 0 ? std::clamp(object.minorArcmin * pixelsPerArcmin / 2, ctx.px(2.0), major) : major;
-        Kind kind = kOther;
-        if (group == 3) kind = kGalaxy;                    // an ellipse along the position angle
-        else if (group == 4 || group == 2) kind = kNebula;  // nebulae and supernova remnants: a square
-        else if (group == 1)                                // clusters: a dashed circle (open), a circle with a cross (globular)
-            kind = kObjectTypes[object.type].abbreviation != nullptr &&
-                           std::string(kObjectTypes[object.type].abbreviation).find("GL") != std::string::npos
-                       ? kGlobularCluster
-                       : kOpenCluster;
-        const double angle = (object.positionAngleDeg >= 0 ? object.positionAngleDeg : 0) * kDegToRad - M_PI / 2;
-        symbols[kind].push_back({static_cast<double>(p.x), static_cast<double>(p.y), major, minor, angle});
+        const double x = p.x, y = p.y;
+        cairo_new_path(cr);
+        switch (group) {
+            case 3: {  // galaxies: an ellipse along the position angle
+                setColour(cr, ctx.palette.galaxy);
+                cairo_save(cr);
+                cairo_translate(cr, x, y);
+                cairo_rotate(cr, (object.positionAngleDeg >= 0 ? object.positionAngleDeg : 0) * kDegToRad - M_PI / 2);
+                cairo_scale(cr, major, std::max(ctx.px(1.5), minor * 0.999));
+                cairo_arc(cr, 0, 0, 1, 0, 2 * M_PI);
+                cairo_restore(cr);
+                cairo_stroke(cr);
+                break;
+            }
+            case 4:  // nebulae: a square
+            case 2:  // supernova remnants
+                setColour(cr, ctx.palette.nebula);
+                cairo_rectangle(cr, x - major, y - major, 2 * major, 2 * major);
+                cairo_stroke(cr);
+                break;
+            case 1: {  // clusters: a dashed circle (open), a circle with a cross (globular)
+                setColour(cr, ctx.palette.cluster);
+                const bool globular = kObjectTypes[object.type].abbreviation != nullptr &&
+                                      std::string(kObjectTypes[object.type].abbreviation).find("GL") != std::string::npos;
+                if (!globular) {
+                    const double dashes[] = {ctx.px(2.0), ctx.px(2.0)};
+                    cairo_set_dash(cr, dashes, 2, 0);
+                }
+                cairo_new_sub_path(cr);
+                cairo_arc(cr, x, y, major, 0, 2 * M_PI);
+                cairo_stroke(cr);
+                cairo_set_dash(cr, nullptr, 0, 0);
+                if (globular) {
+                    cairo_move_to(cr, x - major, y);
+                    cairo_line_to(cr, x + major, y);
+                    cairo_move_to(cr, x, y - major);
+                    cairo_line_to(cr, x, y + major);
+                    cairo_stroke(cr);
+                }
+                break;
+            }
+            default:  // anything else: a small cross
+                setColour(cr, ctx.palette.otherObject);
+                cairo_move_to(cr, x - ctx.px(3), y - ctx.px(3));
+                cairo_line_to(cr, x + ctx.px(3), y + ctx.px(3));
+                cairo_move_to(cr, x - ctx.px(3), y + ctx.px(3));
+                cairo_line_to(cr, x + ctx.px(3), y - ctx.px(3));
+                cairo_stroke(cr);
+                break;
+        }
         if (labels != nullptr) {
             ChartLabel label;
             label.text = object.name;
-            label.x = p.x;
-            label.y = p.y;
-            label.clearance = kind != kOther ? major : ctx.px(3);  // at a large object's edge
+            label.x = x;
+            label.y = y;
+            label.clearance = group == 1 || group == 2 || group == 3 || group == 4 ? major : ctx.px(3);  // at a large object's edge
             label.rank = object.messier > 0 ? 0 : object.caldwell > 0 ? 1 : 2;
             label.mag = object.mag != 0 ? object.mag : 99;
             label.colour = ctx.palette.text;
             labels->push_back(std::move(label));
         }
     }
-
-    cairo_set_line_width(cr, ctx.px(1.0));
-    cairo_new_path(cr);
-    for (const Symbol& g : symbols[kGalaxy]) {
-        cairo_save(cr);
-        cairo_translate(cr, g.x, g.y);
-        cairo_rotate(cr, g.angleRad);
-        cairo_scale(cr, g.major, std::max(ctx.px(1.5), g.minor * 0.999));
-        cairo_new_sub_path(cr);
-        cairo_arc(cr, 0, 0, 1, 0, 2 * M_PI);
-        cairo_close_path(cr);
-        cairo_restore(cr);
-    }
-    setColour(cr, ctx.palette.galaxy);
-    cairo_stroke(cr);
-
-    for (const Symbol& n : symbols[kNebula]) cairo_rectangle(cr, n.x - n.major, n.y - n.major, 2 * n.major, 2 * n.major);
-    setColour(cr, ctx.palette.nebula);
-    cairo_stroke(cr);
-
-    for (const Symbol& c : symbols[kOpenCluster]) {
-        cairo_new_sub_path(cr);
-        cairo_arc(cr, c.x, c.y, c.major, 0, 2 * M_PI);
-    }
-    const double dashes[] = {ctx.px(2.0), ctx.px(2.0)};
-    cairo_set_dash(cr, dashes, 2, 0);
-    setColour(cr, ctx.palette.cluster);
-    cairo_stroke(cr);
-    cairo_set_dash(cr, nullptr, 0, 0);
-
-    for (const Symbol& c : symbols[kGlobularCluster]) {
-        cairo_new_sub_path(cr);
-        cairo_arc(cr, c.x, c.y, c.major, 0, 2 * M_PI);
-        cairo_move_to(cr, c.x - c.major, c.y);
-        cairo_line_to(cr, c.x + c.major, c.y);
-        cairo_move_to(cr, c.x, c.y - c.major);
-        cairo_line_to(cr, c.x, c.y + c.major);
-    }
-    cairo_stroke(cr);
-
-    for (const Symbol& o : symbols[kOther]) {  // anything else: a small cross
-        cairo_move_to(cr, o.x - ctx.px(3), o.y - ctx.px(3));
-        cairo_line_to(cr, o.x + ctx.px(3), o.y + ctx.px(3));
-        cairo_move_to(cr, o.x - ctx.px(3), o.y + ctx.px(3));
-        cairo_line_to(cr, o.x + ctx.px(3), o.y - ctx.px(3));
-    }
-    setColour(cr, ctx.palette.otherObject);
-    cairo_stroke(cr);
 }
 
 namespace {
@@ -515,9 +495,8 @@ void drawTelradRings(const LayerContext& ctx, const float (&ringsDeg)[3]) {
     setColour(ctx.cr, ctx.palette.telrad);
     for (float ringDeg : ringsDeg) {
         if (!(ringDeg > 0) || ringDeg > 90) continue;
-        addCurve(ctx, centredSkyCircle(ctx.view, ringDeg / 2 * kDegToRad));  // the ring sizes are diameters
+        strokeCurve(ctx, centredSkyCircle(ctx.view, ringDeg / 2 * kDegToRad));  // the ring sizes are diameters
     }
-    cairo_stroke(ctx.cr);
 }
 
 namespace {
