@@ -41,7 +41,8 @@ MaybePoint equatorialPoint(const ChartView& view, const SkyFrame& frame, double 
     return p;
 }
 
-// Strokes a sampled curve, broken where a point is missing or the panorama wraps.
+// Strokes a sampled curve, broken where a point is missing or the panorama wraps. (Each curve
+// is stroked alone: one stroke of many long crossing curves is slower for cairo than several.)
 void strokeCurve(const LayerContext& ctx, const std::vector<MaybePoint>& points) {
     const int period = chartPeriodPixels(ctx.view);
     bool open = false;
@@ -153,7 +154,7 @@ bool placeLabel(const LayerContext& ctx, const std::string& text, double x, doub
     const std::string utf8 = toUtf8(text);
     cairo_text_extents_t extents;
     cairo_text_extents(ctx.cr, utf8.c_str(), &extents);
-    const double left = x + 4, baseline = y + ctx.fontSize * 0.35;
+    const double left = x + ctx.px(4), baseline = y + ctx.fontSize * 0.35;
     if (!ctx.labels.claim(left, baseline - ctx.fontSize, extents.x_advance, ctx.fontSize * 1.2)) return false;
     setColour(ctx.cr, colour);
     cairo_move_to(ctx.cr, left, baseline);
@@ -213,7 +214,7 @@ void drawAltAzGrid(const LayerContext& ctx) {
     double azFrom = 0, azTo = 360, altFrom = 0, altTo = 90;
     visibleSpans(ctx.view, azFrom, azTo, altFrom, altTo);
     const double step = gridStepDeg(ctx.view.zoomLevel);
-    cairo_set_line_width(ctx.cr, 0.6);
+    cairo_set_line_width(ctx.cr, ctx.px(0.6));
     setColour(ctx.cr, ctx.palette.grid);
     constexpr int kSamples = 180;
     for (double alt = std::ceil(altFrom / step) * step; alt < 90 && alt <= altTo; alt += step) {
@@ -232,14 +233,42 @@ void drawAltAzGrid(const LayerContext& ctx) {
 
 void drawEcliptic(const LayerContext& ctx, double jdUt) {
     const double epsilon = earthTilt(jdUt).trueObliquityDeg * kDegToRad;
-    cairo_set_line_width(ctx.cr, 1.0);
+    cairo_set_line_width(ctx.cr, ctx.px(1.0));
     setColour(ctx.cr, ctx.palette.ecliptic);
-    const double dashes[] = {6.0, 4.0};
+    const double dashes[] = {ctx.px(6.0), ctx.px(4.0)};
     cairo_set_dash(ctx.cr, dashes, 2, 0);
+    // Every half degree of longitude, and every twentieth of a degree within reach of the chart
+    // at the close zoom levels (where half-degree chords would show).
+    std::vector<double> longitudes;
+    constexpr int kCoarse = 720, kFine = 10;
+    const auto along = [&](double lambda, const double (&towards)[3]) {
+        return std::cos(lambda) * towards[0] + std::sin(lambda) * (std::cos(epsilon) * towards[1] + std::sin(epsilon) * towards[2]);
+    };
+    double centre[3] = {0, 0, 0};
+    double reachCos = 2;  // no fine samples
+    if (ctx.view.zoomLevel >= 8) {
+        double raHours = 0, decDeg = 0;
+        screenToSky(ctx.view, ctx.view.width / 2, ctx.view.height / 2, raHours, decDeg);
+        const double ra = raHours * M_PI / 12, dec = decDeg * kDegToRad;
+        centre[0] = std::cos(dec) * std::cos(ra), centre[1] = std::cos(dec) * std::sin(ra), centre[2] = std::sin(dec);
+        const double reachDeg = fieldOfViewDeg(ctx.view.zoomLevel) * std::max(ctx.view.width, ctx.view.height) /
+                                    std::max(1, std::min(ctx.view.width, ctx.view.height)) + 1.0;
+        reachCos = std::cos(std::min(180.0, reachDeg) * kDegToRad);
+    }
+    bool previousNear = along(0, centre) >= reachCos;
+    for (int i = 0; i < kCoarse; ++i) {
+        const double lambda = 2 * M_PI * i / kCoarse, next = 2 * M_PI * (i + 1) / kCoarse;
+        const bool nextNear = along(next, centre) >= reachCos;
+        if (previousNear || nextNear) {
+            for (int k = 0; k < kFine; ++k) longitudes.push_back(lambda + (next - lambda) * k / kFine);
+        } else {
+            longitudes.push_back(lambda);
+        }
+        previousNear = nextNear;
+    }
+    longitudes.push_back(2 * M_PI);
     std::vector<MaybePoint> points;
-    const int samples = ctx.view.zoomLevel >= 8 ? 7200 : 720;
-    for (int i = 0; i <= samples; ++i) {
-        const double lambda = 2 * M_PI * i / samples;
+    for (const double lambda : longitudes) {
         const double ra = std::atan2(std::sin(lambda) * std::cos(epsilon), std::cos(lambda));
         const double dec = std::asin(std::sin(epsilon) * std::sin(lambda));
         // Already of date: project without the J2000 rotation.
@@ -260,7 +289,7 @@ void drawEcliptic(const LayerContext& ctx, double jdUt) {
 
 void drawConstellationLines(const LayerContext& ctx) {
     const ConstellationData& data = constellations();
-    cairo_set_line_width(ctx.cr, 1.0);
+    cairo_set_line_width(ctx.cr, ctx.px(1.0));
     setColour(ctx.cr, ctx.palette.lines);
     for (const ConstellationSegment& s : data.segments) {
         const MaybePoint a = equatorialPoint(ctx.view, ctx.frame, s.raHours1, s.decDeg1);
@@ -289,7 +318,7 @@ void drawConstellationNames(const LayerContext& ctx) {
         const char* text = wide ? c.abbreviation : c.name;
         const std::size_t capacity = wide ? sizeof c.abbreviation : sizeof c.name;
         const std::string name(text, std::find(text, text + capacity, '\0'));
-        placeLabel(ctx, name, p.x - 4, p.y, ctx.palette.lines);
+        placeLabel(ctx, name, p.x - ctx.px(4), p.y, ctx.palette.lines);
     }
 }
 
@@ -297,15 +326,16 @@ void drawDeepSkyObjects(const LayerContext& ctx, float magnitudeLimit, std::vect
     cairo_t* cr = ctx.cr;
     const double pixelsPerArcmin =
         std::min(ctx.view.width, ctx.view.height) / (fieldOfViewDeg(ctx.view.zoomLevel) * 60.0);
-    cairo_set_line_width(cr, 1.0);
+    cairo_set_line_width(cr, ctx.px(1.0));
     for (const ChartObject& object : chartObjects()) {
         // Objects of unknown magnitude show only when objects are not limited.
         if (object.mag == 0 ? magnitudeLimit < 100 : object.mag > magnitudeLimit) continue;
         ScreenPoint p;
         if (!skyToScreen(ctx.view, ctx.frame, object.raHours, object.decDeg, p)) continue;
         const int group = object.type < kObjectTypes.size() ? kObjectTypes[object.type].group : 0;
-        const double major = std::clamp(object.majorArcmin * pixelsPerArcmin / 2, 3.0, 200.0);
-        const double minor = object.minorArcmin > 0 ? std::clamp(object.minorArcmin * pixelsPerArcmin / 2, 2.0, major) : major;
+        const double major = std::clamp(object.majorArcmin * pixelsPerArcmin / 2, ctx.px(3.0), ctx.px(200.0));
+        const double minor =
+            object.minorArcmin > 0 ? std::clamp(object.minorArcmin * pixelsPerArcmin / 2, ctx.px(2.0), major) : major;
         const double x = p.x, y = p.y;
         cairo_new_path(cr);
         switch (group) {
@@ -314,7 +344,7 @@ void drawDeepSkyObjects(const LayerContext& ctx, float magnitudeLimit, std::vect
                 cairo_save(cr);
                 cairo_translate(cr, x, y);
                 cairo_rotate(cr, (object.positionAngleDeg >= 0 ? object.positionAngleDeg : 0) * kDegToRad - M_PI / 2);
-                cairo_scale(cr, major, std::max(1.5, minor * 0.999));
+                cairo_scale(cr, major, std::max(ctx.px(1.5), minor * 0.999));
                 cairo_arc(cr, 0, 0, 1, 0, 2 * M_PI);
                 cairo_restore(cr);
                 cairo_stroke(cr);
@@ -331,7 +361,7 @@ void drawDeepSkyObjects(const LayerContext& ctx, float magnitudeLimit, std::vect
                 const bool globular = kObjectTypes[object.type].abbreviation != nullptr &&
                                       std::string(kObjectTypes[object.type].abbreviation).find("GL") != std::string::npos;
                 if (!globular) {
-                    const double dashes[] = {2.0, 2.0};
+                    const double dashes[] = {ctx.px(2.0), ctx.px(2.0)};
                     cairo_set_dash(cr, dashes, 2, 0);
                 }
                 cairo_new_sub_path(cr);
@@ -349,10 +379,10 @@ void drawDeepSkyObjects(const LayerContext& ctx, float magnitudeLimit, std::vect
             }
             default:  // anything else: a small cross
                 setColour(cr, ctx.palette.otherObject);
-                cairo_move_to(cr, x - 3, y - 3);
-                cairo_line_to(cr, x + 3, y + 3);
-                cairo_move_to(cr, x - 3, y + 3);
-                cairo_line_to(cr, x + 3, y - 3);
+                cairo_move_to(cr, x - ctx.px(3), y - ctx.px(3));
+                cairo_line_to(cr, x + ctx.px(3), y + ctx.px(3));
+                cairo_move_to(cr, x - ctx.px(3), y + ctx.px(3));
+                cairo_line_to(cr, x + ctx.px(3), y - ctx.px(3));
                 cairo_stroke(cr);
                 break;
         }
@@ -361,7 +391,7 @@ void drawDeepSkyObjects(const LayerContext& ctx, float magnitudeLimit, std::vect
             label.text = object.name;
             label.x = x;
             label.y = y;
-            label.clearance = group == 1 || group == 2 || group == 3 || group == 4 ? major : 3;  // at a large object's edge
+            label.clearance = group == 1 || group == 2 || group == 3 || group == 4 ? major : ctx.px(3);  // at a large object's edge
             label.rank = object.messier > 0 ? 0 : object.caldwell > 0 ? 1 : 2;
             label.mag = object.mag != 0 ? object.mag : 99;
             label.colour = ctx.palette.text;
@@ -408,14 +438,14 @@ void reserveCompassPoints(const LayerContext& ctx) {
     for (const CompassPoint& point : compassPoints(ctx.view)) {
         cairo_text_extents_t extents;
         cairo_text_extents(ctx.cr, point.text, &extents);
-        ctx.labels.mark(point.at.x - extents.x_advance / 2 - 2, point.at.y - extents.height / 2 - 2,
-                        extents.x_advance + 4, extents.height + 4);
+        ctx.labels.mark(point.at.x - extents.x_advance / 2 - ctx.px(2), point.at.y - extents.height / 2 - ctx.px(2),
+                        extents.x_advance + ctx.px(4), extents.height + ctx.px(4));
     }
     cairo_restore(ctx.cr);
 }
 
 std::vector<CompassText> drawHorizonAndCompass(const LayerContext& ctx, bool compass) {
-    cairo_set_line_width(ctx.cr, 1.5);
+    cairo_set_line_width(ctx.cr, ctx.px(1.5));
     setColour(ctx.cr, ctx.palette.horizon);
     std::vector<MaybePoint> points;
     for (int i = 0; i <= 720; ++i) points.push_back(horizontalPoint(ctx.view, i * 0.5, 0));
@@ -461,7 +491,7 @@ std::vector<MaybePoint> centredSkyCircle(const ChartView& view, double radiusRad
 }
 
 void drawTelradRings(const LayerContext& ctx, const float (&ringsDeg)[3]) {
-    cairo_set_line_width(ctx.cr, 1.2);
+    cairo_set_line_width(ctx.cr, ctx.px(1.2));
     setColour(ctx.cr, ctx.palette.telrad);
     for (float ringDeg : ringsDeg) {
         if (!(ringDeg > 0) || ringDeg > 90) continue;
@@ -477,7 +507,7 @@ namespace {
 void drawEyepieceField(const LayerContext& ctx, double trueFieldDeg, const std::string& label) {
     if (!(trueFieldDeg > 0) || trueFieldDeg > 180) return;
     const std::vector<MaybePoint> points = centredSkyCircle(ctx.view, trueFieldDeg / 2 * kDegToRad);
-    cairo_set_line_width(ctx.cr, 1.2);
+    cairo_set_line_width(ctx.cr, ctx.px(1.2));
     setColour(ctx.cr, ctx.palette.telrad);
     strokeCurve(ctx, points);
     if (label.empty()) return;
@@ -493,9 +523,10 @@ void drawEyepieceField(const LayerContext& ctx, double trueFieldDeg, const std::
     const double width = extents.x_advance;
     const double anchorX = top != nullptr ? (*top)->x : ctx.view.width / 2.0;
     const double anchorY = top != nullptr ? (*top)->y : 0.0;
-    const double left = std::clamp(anchorX - width / 2, 2.0, std::max(2.0, ctx.view.width - width - 2));
+    const double margin = ctx.px(2);
+    const double left = std::clamp(anchorX - width / 2, margin, std::max(margin, ctx.view.width - width - margin));
     const double lowest = std::max(ctx.fontSize * 3.6, ctx.view.height - ctx.fontSize * 2.0);
-    const double first = std::clamp(anchorY - 4, ctx.fontSize * 3.6, lowest);
+    const double first = std::clamp(anchorY - ctx.px(4), ctx.fontSize * 3.6, lowest);
     // Labels placed before it keep their places: the first free line at or below the first
     // choice (the first choice when none is free).
     double baseline = first;

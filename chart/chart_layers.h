@@ -45,7 +45,11 @@ struct LayerContext {
     const SkyFrame& frame;
     const ChartPalette& palette;
     LabelGrid& labels;
-    double fontSize;
+    double fontSize;  // pixels, already at the screen's resolution factor
+    // Device pixels of a length given in pixels of a single-resolution chart: line widths,
+    // dashes and symbol sizes double on a double-resolution screen, so that its chart looks
+    // like the single-resolution one at twice the density.
+    double px(double singleResolutionPixels) const { return singleResolutionPixels * view.screenFactor; }
 };
 
 // A label placed right of (x, y) when the grid has room; true when drawn.

@@ -1,18 +1,22 @@
 // The chart's look: star discs graded by magnitude, labels that keep out of each other's and the
 // compass points' way, Messier labels at every zoom, the deep star card at zoom 10, the Milky
-// Way band and the panorama's compass points.
+// Way band, the panorama's compass points, and the layers at double density.
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <string>
 
 #include "catalog/catalogues.h"
 #include "catalog/record_file.h"
 #include "catalog/star_catalog.h"
+#include "chart/chart_labels.h"
+#include "chart/chart_layers.h"
 #include "chart/chart_render.h"
+#include "chart/label_layout.h"
 #include "chart/sky_frame.h"
 #include "chart/sky_objects.h"
 #include "chart/star_images.h"
@@ -303,6 +307,97 @@ TEST_F(ChartLook, PanoramaCompassPointsStandAtTheirAzimuths) {
                     EXPECT_NEAR(alt, 90.0, 1.0);
                 }
             }
+}
+
+// ---- Double density ----
+
+// One layer drawn alone on a black chart of the fixture's view, 400 x 400 pixels at resolution
+// factor 1 or 800 x 800 device pixels at factor 2: its ink (the summed channels) and the ink's
+// centre.
+struct LayerInk {
+    double ink = 0, x = 0, y = 0;
+};
+
+template <typename Draw>
+LayerInk drawLayerAlone(ChartRequest request, int factor, Draw draw) {
+    request.width = request.height = 400 * factor;
+    request.resolutionFactor = factor;
+    double jdUt = 0;
+    const ChartView view = chartViewForRequest(request, jdUt);
+    const SkyFrame frame = skyFrameForDate(jdUt);
+    const ChartPalette palette = chartPalette(0, 0);
+    LabelGrid labels(view.width, view.height, 6 * factor);
+    ChartSurface surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, view.width, view.height));
+    cairo_t* cr = cairo_create(surface.get());
+    cairo_set_source_rgb(cr, 0, 0, 0);
+    cairo_paint(cr);
+    const double fontSize = labelFontSize() * factor;
+    cairo_select_font_face(cr, "sans-serif", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
+    cairo_set_font_size(cr, fontSize);
+    const LayerContext ctx{cr, view, frame, palette, labels, fontSize};
+    draw(ctx, jdUt);
+    cairo_destroy(cr);
+    cairo_surface_flush(surface.get());
+    LayerInk result;
+    const unsigned char* data = cairo_image_surface_get_data(surface.get());
+    const int stride = cairo_image_surface_get_stride(surface.get());
+    for (int y = 0; y < view.height; ++y)
+        for (int x = 0; x < view.width; ++x) {
+            const uint32_t p = reinterpret_cast<const uint32_t*>(data + y * stride)[x];
+            const double ink = ((p >> 16) & 0xFF) + ((p >> 8) & 0xFF) + (p & 0xFF);
+            result.ink += ink;
+            result.x += ink * x;
+            result.y += ink * y;
+        }
+    if (result.ink > 0) result.x /= result.ink, result.y /= result.ink;
+    return result;
+}
+
+TEST_F(ChartLook, EveryLayerAtFactorTwoIsTheFactorOneLayerAtDoubleDensity) {
+    using Draw = std::function<void(const LayerContext&, double)>;
+    const std::pair<const char*, Draw> layers[] = {
+        {"constellation lines", [](const LayerContext& c, double) { drawConstellationLines(c); }},
+        {"alt/az grid", [](const LayerContext& c, double) { drawAltAzGrid(c); }},
+        {"ecliptic", [](const LayerContext& c, double jd) { drawEcliptic(c, jd); }},
+        {"horizon", [](const LayerContext& c, double) { drawHorizonAndCompass(c, false); }},
+        {"compass points", [](const LayerContext& c, double) { drawHorizonAndCompass(c, true); }},
+        {"Telrad rings", [](const LayerContext& c, double) { drawTelradRings(c, {0.5f, 2.0f, 4.0f}); }},
+        {"eyepiece field", [](const LayerContext& c, double) { drawEyepieceField(c, 3.0, "Plossl 25mm"); }},
+        {"deep-sky symbols", [](const LayerContext& c, double) { drawDeepSkyObjects(c, 12, nullptr); }},
+        {"deep-sky labels",
+         [](const LayerContext& c, double) {
+             // The symbols go to a throwaway chart; only their labels are measured.
+             ChartSurface scratch(cairo_image_surface_create(CAIRO_FORMAT_RGB24, c.view.width, c.view.height));
+             cairo_t* other = cairo_create(scratch.get());
+             LabelGrid grid(c.view.width, c.view.height, 6 * c.view.screenFactor);
+             std::vector<ChartLabel> labels;
+             drawDeepSkyObjects({other, c.view, c.frame, c.palette, grid, c.fontSize}, 12, &labels);
+             cairo_destroy(other);
+             placeLabels(c, labels);
+         }},
+        {"constellation names", [](const LayerContext& c, double) { drawConstellationNames(c); }},
+    };
+    // Orion high in the south, and the default view of zoom 3 with the horizon near its foot.
+    ChartRequest orion = request_, southernSky = request_;
+    orion.zoomLevel = 5;
+    orion.centreRaHours = 5.6;
+    orion.centreDecDeg = 0.0;
+    southernSky.zoomLevel = 3;
+    for (const auto& [name, draw] : layers) {
+        int views = 0;
+        for (const ChartRequest& request : {orion, southernSky}) {
+            const LayerInk single = drawLayerAlone(request, 1, draw), twice = drawLayerAlone(request, 2, draw);
+            if (single.ink == 0) continue;
+            ++views;
+            SCOPED_TRACE(testing::Message() << name << " at zoom " << request.zoomLevel);
+            // Twice as long and twice as thick (or twice as tall): four times the ink, around
+            // the same sky point (within a percent of the chart: dashes end differently at the edges).
+            EXPECT_NEAR(twice.ink / single.ink, 4.0, 0.6);
+            EXPECT_NEAR(twice.x, 2 * single.x, 8.0);
+            EXPECT_NEAR(twice.y, 2 * single.y, 8.0);
+        }
+        EXPECT_GT(views, 0) << name << " drew nothing";
+    }
 }
 
 }  // namespace

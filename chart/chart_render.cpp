@@ -84,7 +84,10 @@ ChartSurface renderChart(const ChartRequest& request, ChartResult& result) {
         cairo_set_source_rgb(cr, palette.sky.r, palette.sky.g, palette.sky.b);
         cairo_paint(cr);
         cairo_set_source_rgb(cr, palette.text.r, palette.text.g, palette.text.b);
-        paintLoadingMessage(cr, view.width, view.height / 2);
+        cairo_save(cr);
+        cairo_scale(cr, view.screenFactor, view.screenFactor);  // the message's font at the screen's density
+        paintLoadingMessage(cr, view.width / view.screenFactor, view.height / 2 / view.screenFactor);
+        cairo_restore(cr);
         cairo_surface_flush(surface.get());
         request.present(surface.get());
     }
@@ -117,11 +120,12 @@ ChartSurface renderChart(const ChartRequest& request, ChartResult& result) {
     starStyle.screenFactor = view.screenFactor;
     StarPainter painter(starStyle);
     const double epoch = julianEpochOfJd(result.jdUt);
-    for (const DefaultStarRecord& star : chartBrightStars()) {
+    const std::vector<DefaultStarRecord>& brightStars = chartBrightStars();
+    const std::vector<StarPlace>& brightPlaces = chartBrightStarPlaces(epoch);  // where their motion has taken them
+    for (std::size_t i = 0; i < brightStars.size(); ++i) {
+        const DefaultStarRecord& star = brightStars[i];
         ScreenPoint point;
-        double ra = star.raHours, dec = star.decDeg;
-        starPlaceAtEpoch(star.hip, epoch, ra, dec);  // its place at the date, where it has a motion
-        if (!skyToScreen(view, frame, ra, dec, point)) continue;
+        if (!skyToScreen(view, frame, brightPlaces[i].raHours, brightPlaces[i].decDeg, point)) continue;
         const int step = magnitudeStep(star.mag, view.screenFactor);
         painter.paintStar(surface.get(), view.zoomLevel, step, star.colour, point.x, point.y);
         result.bright.push_back({star.hip, point.x, point.y, star.mag});
@@ -132,14 +136,14 @@ ChartSurface renderChart(const ChartRequest& request, ChartResult& result) {
                 label.utf8 = true;
                 label.x = point.x;
                 label.y = point.y;
-                label.clearance = radius + 1;
+                label.clearance = radius + ctx.px(1);
                 label.mag = star.mag;
                 label.colour = palette.starName;
                 chartLabels.push_back(std::move(label));
             }
         }
         // The centres of the bright stars stay visible (and tappable) through the labels.
-        if (star.mag < kClearStarMagnitude) reserveSymbol(labels, point.x, point.y, 0.5);
+        if (star.mag < kClearStarMagnitude) reserveSymbol(labels, point.x, point.y, ctx.px(0.5));
     }
     result.fieldStars = loadFieldStars(
         view, starMagnitudeLimit(view.zoomLevel), true, frame,
@@ -171,7 +175,7 @@ ChartSurface renderChart(const ChartRequest& request, ChartResult& result) {
         char date[32];
         std::snprintf(date, sizeof date, "%04d-%02d-%02d", m.year, m.month, m.day);
         const std::string status = statusLineText(date, m.hour, m.minute, view.lstHours);
-        cairo_move_to(cr, 3, view.height - fontSize * 0.5);
+        cairo_move_to(cr, ctx.px(3), view.height - fontSize * 0.5);
         cairo_show_text(cr, status.c_str());
     }
     cairo_destroy(cr);

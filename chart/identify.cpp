@@ -79,12 +79,13 @@ TapBand tapBand(const ChartView& view, const SkyFrame& frame, int x, int y, int 
 
 void offerBrightStars(Best& best, const ChartView& view, const SkyFrame& frame, double epoch, const TapBand& band,
                       int x, int y, int tolerancePx) {
-    for (const DefaultStarRecord& star : chartBrightStars()) {
+    const std::vector<DefaultStarRecord>& stars = chartBrightStars();
+    const std::vector<StarPlace>& places = chartBrightStarPlaces(epoch);  // where the chart drew them
+    for (std::size_t i = 0; i < stars.size(); ++i) {
+        const DefaultStarRecord& star = stars[i];
         if (band.excludes(star.decDeg)) continue;
-        double ra = star.raHours, dec = star.decDeg;
-        starPlaceAtEpoch(star.hip, epoch, ra, dec);  // where the chart drew it
         ScreenPoint p;
-        if (!skyToScreen(view, frame, ra, dec, p)) continue;
+        if (!skyToScreen(view, frame, places[i].raHours, places[i].decDeg, p)) continue;
         const double d = std::hypot(p.x - x, p.y - y);
         if (d > tolerancePx) continue;
         IdentifiedObject o;
@@ -94,8 +95,8 @@ void offerBrightStars(Best& best, const ChartView& view, const SkyFrame& frame, 
         o.number = star.hip > 0 ? star.hip : star.hr;
         o.designation = designationText(o.catalogCode, o.number);
         if (o.name.empty()) o.name = o.designation;
-        o.raHours = ra;
-        o.decDeg = dec;
+        o.raHours = places[i].raHours;
+        o.decDeg = places[i].decDeg;
         o.mag = star.mag;
         o.magKnown = true;
         o.x = p.x;

@@ -78,9 +78,11 @@ void drawMilkyWay(const LayerContext& ctx, bool nightMode) {
     const double period = view.projectionMode != 0 ? chartPeriodPixels(view) : 0;
     cairo_t* cr = ctx.cr;
     cairo_save(cr);
-    // A soft band: its edges need no anti-aliasing; the ground drawn next covers what lies
-    // below the horizon.
-    cairo_set_antialias(cr, CAIRO_ANTIALIAS_FAST);
+    // A soft band: on the wide charts, where the outline's points lie a pixel or two apart, its
+    // faint edges need no anti-aliasing (the cheapest fill); closer in, where straight edges
+    // span many pixels, the fast anti-aliasing keeps them from showing steps. The ground drawn
+    // next covers what lies below the horizon.
+    cairo_set_antialias(cr, view.zoomLevel <= 3 ? CAIRO_ANTIALIAS_NONE : CAIRO_ANTIALIAS_FAST);
     cairo_set_fill_rule(cr, CAIRO_FILL_RULE_EVEN_ODD);
     const Rgb3& colour = ctx.palette.milkyWay;
     const double alpha = nightMode ? 0.05 : 0.09;  // per level; the levels add up towards the core
@@ -153,7 +155,11 @@ void drawMilkyWay(const LayerContext& ctx, bool nightMode) {
             while (x - ring.back().first > period / 2) x -= period;
             while (ring.back().first - x > period / 2) x += period;
         }
-        ring.emplace_back(std::clamp(x, -1.0e5, 1.0e5), std::clamp(screen->second, -1.0e5, 1.0e5));
+        const double y = screen->second;
+        // Outline points closer than a pixel to the last one kept add nothing at this zoom but
+        // edges for cairo to rasterise (the wide charts hold thousands of them).
+        if (!ring.empty() && std::fabs(x - ring.back().first) + std::fabs(y - ring.back().second) < 1.0) continue;
+        ring.emplace_back(std::clamp(x, -1.0e5, 1.0e5), std::clamp(y, -1.0e5, 1.0e5));
     }
     if (!rings.empty()) fillPolygon();
     cairo_restore(cr);

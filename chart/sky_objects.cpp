@@ -5,6 +5,7 @@
 #include "catalog/catalogues.h"
 #include "catalog/objects.h"
 #include "catalog/star_catalog.h"
+#include "catalog/star_motion.h"
 #include "chart/milky_way_layer.h"
 
 namespace nocturnel {
@@ -16,6 +17,16 @@ std::optional<std::vector<DefaultStarRecord>>& brightCache() {
 }
 std::optional<std::vector<ChartObject>>& objectCache() {
     static std::optional<std::vector<ChartObject>> cache;
+    return cache;
+}
+
+struct BrightStarMotions {
+    std::vector<StarMotionEntry> entries;  // hip 0: the star has no entry
+    double epochYear = 0;
+    std::vector<StarPlace> places;         // at epochYear; empty until asked
+};
+std::optional<BrightStarMotions>& motionCache() {
+    static std::optional<BrightStarMotions> cache;
     return cache;
 }
 
@@ -66,7 +77,29 @@ const std::vector<ChartObject>& chartObjects() {
     return *cache;
 }
 
+const std::vector<StarPlace>& chartBrightStarPlaces(double epochYear) {
+    const std::vector<DefaultStarRecord>& stars = chartBrightStars();
+    auto& cache = motionCache();
+    if (!cache) {
+        cache.emplace();
+        cache->entries.resize(stars.size());
+        for (std::size_t i = 0; i < stars.size(); ++i)
+            if (!findStarMotion(stars[i].hip, cache->entries[i])) cache->entries[i] = {};
+    }
+    if (cache->places.size() != stars.size() || cache->epochYear != epochYear) {
+        cache->places.resize(stars.size());
+        for (std::size_t i = 0; i < stars.size(); ++i) {
+            StarPlace& place = cache->places[i];
+            place = {stars[i].raHours, stars[i].decDeg};
+            if (cache->entries[i].hip != 0) starPlaceAtEpoch(cache->entries[i], epochYear, place.raHours, place.decDeg);
+        }
+        cache->epochYear = epochYear;
+    }
+    return cache->places;
+}
+
 void forgetChartCatalogues() {
+    motionCache().reset();
     brightCache().reset();
     objectCache().reset();
     forgetMilkyWay();

@@ -22,6 +22,13 @@ struct ChartObject {
 };
 
 const std::vector<DefaultStarRecord>& chartBrightStars();
+// J2000-equinox place of each bright star (same order) at the epoch (decimal Julian year), its
+// proper motion applied where the star has one. The stars' motion entries are looked up once;
+// the places of the last epoch asked for are kept.
+struct StarPlace {
+    double raHours = 0, decDeg = 0;
+};
+const std::vector<StarPlace>& chartBrightStarPlaces(double epochYear);
 const std::vector<ChartObject>& chartObjects();
 void forgetChartCatalogues();
 

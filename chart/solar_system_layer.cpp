@@ -2,6 +2,9 @@
 
 #include <cmath>
 #include <filesystem>
+#include <mutex>
+#include <optional>
+#include <string>
 
 #include "core/astro_constants.h"
 #include "core/astrometry_vectors.h"
@@ -27,13 +30,16 @@ Rgb3 bodyColour(SolarBody body) {
 
 // The symbol's radius in pixels: the true disc when larger, else by brightness.
 double symbolRadius(const ChartView& view, const SkyFrame& frame, const SolarBodyReport& b, const ScreenPoint& centre) {
+    // The smallest symbols in single-resolution pixels, doubled on a double-resolution screen;
+    // the true disc is measured in device pixels already.
     double radius = b.body == SolarBody::Sun || b.body == SolarBody::Moon ? 5.0
                                                                            : std::clamp(3.5 - 0.4 * b.physical.magnitude, 1.5, 4.5);
+    radius *= view.screenFactor;
     ScreenPoint edge;
     const double semiDiameterDeg = b.physical.diameterArcsec / 7200.0;
     if (skyToScreen(view, frame, b.raJ2000Hours, std::clamp(b.decJ2000Deg + semiDiameterDeg, -90.0, 90.0), edge))
         radius = std::max(radius, std::hypot(edge.x - centre.x, edge.y - centre.y));
-    return radius * view.screenFactor;
+    return radius;
 }
 
 // The Moon: a dark disc and its lit part, the bright limb turned towards the Sun.
@@ -73,16 +79,45 @@ void drawMoonPhase(const LayerContext& ctx, const SolarBodyReport& moon, const S
     cairo_restore(cr);
 }
 
+// The bodies for the UT date at the site of the preferences; null when the planet file is
+// missing. The last report is kept: charts redrawn at the same moment (panning, zooming, taps)
+// reuse it instead of summing the planetary and lunar series again.
+std::optional<SolarSystemReport> solarSystemForChart(double jdUt) {
+    struct Kept {
+        std::string file;
+        SkyRequest request;
+        SolarSystemReport report;
+    };
+    static std::mutex mutex;
+    static std::optional<Kept> kept;
+    const std::string file = dataPath(kPlanetSeriesFileName).string();
+    std::error_code ec;
+    if (!std::filesystem::exists(file, ec)) return std::nullopt;
+    SkyRequest request = skyRequestFromPreferences(false);
+    request.jdUt = jdUt;
+    const auto same = [&](const SkyRequest& a) {
+        return a.jdUt == request.jdUt && a.site.latitudeDeg == request.site.latitudeDeg &&
+               a.site.longitudeEastDeg == request.site.longitudeEastDeg && a.site.heightM == request.site.heightM &&
+               a.site.temperatureC == request.site.temperatureC && a.site.pressureMbar == request.site.pressureMbar &&
+               a.correction == request.correction && a.horizonDeg == request.horizonDeg &&
+               a.riseSetDayStartJdUt == request.riseSetDayStartJdUt;
+    };
+    const std::lock_guard lock(mutex);
+    if (kept && kept->file == file && same(kept->request)) return kept->report;
+    kept.reset();
+    SolarSystemReport report;
+    if (solarSystemAt(request, &report) != 0) return std::nullopt;
+    kept = Kept{file, request, report};
+    return report;
+}
+
 }  // namespace
 
 std::vector<DrawnSpot> solarSystemSpots(const ChartView& view, double jdUt) {
     std::vector<DrawnSpot> spots;
-    std::error_code ec;
-    if (!std::filesystem::exists(dataPath(kPlanetSeriesFileName), ec)) return spots;
-    SkyRequest request = skyRequestFromPreferences(false);
-    request.jdUt = jdUt;
-    SolarSystemReport report;
-    if (solarSystemAt(request, &report) != 0) return spots;
+    const std::optional<SolarSystemReport> found = solarSystemForChart(jdUt);
+    if (!found) return spots;
+    const SolarSystemReport& report = *found;
     const SkyFrame frame = skyFrameForDate(jdUt);
     for (const SolarBodyReport& b : report.bodies) {
         ScreenPoint p;
@@ -105,12 +140,9 @@ std::vector<DrawnSpot> solarSystemSpots(const ChartView& view, double jdUt) {
 }
 
 void drawSolarSystem(const LayerContext& ctx, double jdUt) {
-    std::error_code ec;
-    if (!std::filesystem::exists(dataPath(kPlanetSeriesFileName), ec)) return;
-    SkyRequest request = skyRequestFromPreferences(false);
-    request.jdUt = jdUt;
-    SolarSystemReport report;
-    if (solarSystemAt(request, &report) != 0) return;
+    const std::optional<SolarSystemReport> found = solarSystemForChart(jdUt);
+    if (!found) return;
+    const SolarSystemReport& report = *found;
     cairo_t* cr = ctx.cr;
     // Far bodies first, so that the Moon covers a planet it occults.
     for (int i = kSolarBodyCount - 1; i >= 0; --i) {
@@ -125,17 +157,17 @@ void drawSolarSystem(const LayerContext& ctx, double jdUt) {
             cairo_set_source_rgb(cr, c.r, c.g, c.b);
             cairo_arc(cr, p.x, p.y, r, 0, kTwoPi);
             cairo_fill(cr);
-            if (b.body == SolarBody::Saturn && r >= 3.0) {  // the rings, as a flat ellipse
+            if (b.body == SolarBody::Saturn && r >= ctx.px(3.0)) {  // the rings, as a flat ellipse
                 cairo_save(cr);
                 cairo_translate(cr, p.x, p.y);
-                cairo_scale(cr, 2.2 * r, std::max(0.3, r * std::abs(std::sin(b.physical.saturnRingTiltDeg * kDegToRad))));
+                cairo_scale(cr, 2.2 * r, std::max(ctx.px(0.3), r * std::abs(std::sin(b.physical.saturnRingTiltDeg * kDegToRad))));
                 cairo_arc(cr, 0, 0, 1.0, 0, kTwoPi);
                 cairo_restore(cr);
-                cairo_set_line_width(cr, 1.0);
+                cairo_set_line_width(cr, ctx.px(1.0));
                 cairo_stroke(cr);
             }
         }
-        placeLabel(ctx, solarBodyName(b.body), p.x + r + 2, p.y, bodyColour(b.body));
+        placeLabel(ctx, solarBodyName(b.body), p.x + r + ctx.px(2), p.y, bodyColour(b.body));
     }
 }
 
