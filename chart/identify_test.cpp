@@ -11,6 +11,9 @@
 #include "catalog/catalogues.h"
 #include "chart/field_stars.h"
 #include "chart/sky_objects.h"
+#include "core/planet_series_format.h"
+#include "core/solar_system_sky.h"
+#include "core/time.h"
 #include "settings/program_folder.h"
 
 namespace nocturnel {
@@ -109,6 +112,37 @@ TEST_F(Identify, FieldStarsAndDeepSkyObjects) {
     request_ = ChartRequest{};
     request_.moment = {2026, 7, 15, 23, 30, 0};
     EXPECT_FALSE(identifyAt(request_, 3, 3).found);
+}
+
+}  // namespace
+}  // namespace nocturnel
+
+namespace nocturnel {
+namespace {
+
+// Pluto is drawn and named by a tap within its series' years, and neither beyond them.
+TEST_F(Identify, PlutoIsNeitherDrawnNorNamedBeyondItsSeries) {
+    if (!fs::exists(dataPath(kPlanetSeriesFileName))) GTEST_SKIP() << "catalogues built before the planet series";
+    SkyRequest sky = skyRequestFromPreferences(false);
+    sky.jdUt = julianDayAtMidnight(2099, 12, 1);
+    SolarSystemReport report;
+    ASSERT_EQ(solarSystemAt(sky, &report), 0);
+    const SolarBodyReport& pluto = report.bodies[kSolarBodyCount - 1];
+    ASSERT_EQ(pluto.body, SolarBody::Pluto);
+    request_.centreRaHours = pluto.raJ2000Hours;
+    request_.centreDecDeg = pluto.decJ2000Deg;
+    request_.zoomLevel = 6;
+    request_.moment = {2099, 12, 1, 0, 0, 0};
+    ChartResult inside;
+    ASSERT_TRUE(renderChart(request_, inside));
+    const IdentifiedObject there = identifyInChart(inside, inside.view.width / 2, inside.view.height / 2);
+    EXPECT_EQ(there.name, "Pluto");
+    request_.moment = {2100, 3, 1, 0, 0, 0};  // a quarter later Pluto has moved well under a degree
+    ChartResult beyond;
+    ASSERT_TRUE(renderChart(request_, beyond));
+    for (int dx = -60; dx <= 60; dx += 10)
+        for (int dy = -60; dy <= 60; dy += 10)
+            EXPECT_NE(identifyInChart(beyond, beyond.view.width / 2 + dx, beyond.view.height / 2 + dy).name, "Pluto");
 }
 
 }  // namespace

@@ -120,6 +120,7 @@ std::vector<DrawnSpot> solarSystemSpots(const ChartView& view, double jdUt) {
     const SolarSystemReport& report = *found;
     const SkyFrame frame = skyFrameForDate(jdUt);
     for (const SolarBodyReport& b : report.bodies) {
+        if (b.outsideTheory) continue;  // Pluto beyond its series' years has no place to tap
         ScreenPoint p;
         if (!skyToScreen(view, frame, b.raJ2000Hours, b.decJ2000Deg, p)) continue;
         DrawnSpot spot;
@@ -147,6 +148,7 @@ void drawSolarSystem(const LayerContext& ctx, double jdUt) {
     // Far bodies first, so that the Moon covers a planet it occults.
     for (int i = kSolarBodyCount - 1; i >= 0; --i) {
         const SolarBodyReport& b = report.bodies[i];
+        if (b.outsideTheory) continue;  // Pluto beyond its series' years is not drawn
         ScreenPoint p;
         if (!skyToScreen(ctx.view, ctx.frame, b.raJ2000Hours, b.decJ2000Deg, p)) continue;
         const double r = symbolRadius(ctx.view, ctx.frame, b, p);

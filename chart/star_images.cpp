@@ -51,11 +51,13 @@ StripPixels drawStrip(StarStrip id, int factor) {
             // Centre of the cell's middle pixel (13-pixel cells) or of the cell (26-pixel cells).
             const double half = factor == 1 ? 6.5 : strip.cell / 2.0;
             const double cx = column * strip.cell + half, cy = row * strip.cell + half;
-            const double radius = starDiscDiameter(column) * factor / 2;
+            const double radius = starDiscDiameterAt(column, factor) / 2;
             if (radius <= 0.5 * factor) {
-                // The smallest step: one full pixel (a 2 x 2 block at double density).
+                // The smallest steps: one full pixel (a 2 x 2 block at double density); the last
+                // columns of the double-density family dim that block, a visible step each.
+                const double dim = factor == 2 ? 1.0 - 0.2 * std::max(0, column - (kStripColumns - 4)) : 1.0;
                 cairo_rectangle(cr, cx - 0.5 * factor, cy - 0.5 * factor, factor, factor);
-                cairo_set_source_rgb(cr, colour.r, colour.g, colour.b);
+                cairo_set_source_rgba(cr, colour.r, colour.g, colour.b, dim);
                 cairo_fill(cr);
                 continue;
             }
@@ -152,6 +154,13 @@ double starDiscDiameter(int column) {
     // Concave grading: 13 pixels at column 0 to 1 at column 12, d = 1 + 12 ((12 - k) / 12)^0.75.
     const int k = std::clamp(column, 0, kStripColumns - 1);
     return 1.0 + 12.0 * std::pow((12.0 - k) / 12.0, 0.75);
+}
+
+double starDiscDiameterAt(int column, int factor) {
+    if (factor != 2) return starDiscDiameter(column);
+    constexpr int kShift = 3;
+    const int k = std::clamp(column, 0, kStripColumns - 1);
+    return k + kShift < kStripColumns ? 2.0 * starDiscDiameter(k + kShift) : 2.0;
 }
 
 const StripPixels& starStripPixels(StarStrip id, int screenFactor) {

@@ -54,6 +54,12 @@ int starColourRow(const StarStyle& style, int colourClass);
 
 // Diameter in pixels of the disc of a column (0..12) on a single-resolution strip.
 double starDiscDiameter(int column);
+// Diameter in the strip's own pixels of a column of the strip family of a resolution factor.
+// At factor 2 the size-offset row and the magnitude step (without its +1) move every star three
+// columns toward the large discs, so column k of the double-density family is the single-resolution
+// disc of column k + 3 drawn at twice its width: a star keeps its apparent size on the screen.
+// Columns 9 to 12 are 2 x 2 dots (one single-resolution pixel), dimmer column by column.
+double starDiscDiameterAt(int column, int factor);
 
 // A strip as premultiplied ARGB pixels (13 cells x 7 cells), transparent pixels with alpha 0.
 struct StripPixels {
