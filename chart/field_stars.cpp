@@ -3,9 +3,12 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <optional>
 
+#include "catalog/card_star_motion.h"
 #include "catalog/catalogues.h"
 #include "catalog/star_catalog.h"
+#include "catalog/star_motion.h"
 #include "settings/message.h"
 
 namespace nocturnel {
@@ -24,6 +27,54 @@ constexpr std::array<HalfWidthRule, kZoomLevelCount> kHalfWidthRules = {{
 }};
 
 constexpr double kHoursToRad = M_PI / 12;
+
+// Where each star of the open card stands at an epoch: the HR card's and the Hipparcos cards'
+// stars take the star-motion table's full-precision place and motion (binary search on their
+// number), the deep cards' stars the motion of the card's side file (the parallel record).
+class FieldStarMotion {
+public:
+    explicit FieldStarMotion(double epochYear) : epoch_(epochYear) {
+        if (!std::isfinite(epoch_)) return;
+        const int level = starCatalogLevel();
+        if (level >= kFirstDeepCardLevel) {
+            source_ = cardMotionReader().prepare() ? Source::Card : Source::None;
+        } else if (level >= 0) {
+            table_.emplace();
+            source_ = table_->empty() ? Source::None : level == 0 ? Source::Hr : Source::Hip;
+        }
+    }
+    // Moves (raHours, decDeg), the entry's J2000 place, to the epoch; false when no motion is known.
+    bool move(const StarEntry& entry, uint32_t block, int k, double& raHours, double& decDeg) const {
+        switch (source_) {
+        case Source::None:
+            return false;
+        case Source::Card: {
+            CardStarMotion m;
+            if (!cardMotionReader().motionOf(block, k, entry.number, m)) return false;
+            movePlaceToEpoch(raHours, decDeg, m.pmRaCosDecMasPerYear, m.pmDecMasPerYear, epoch_, raHours, decDeg);
+            return true;
+        }
+        case Source::Hip:
+        case Source::Hr: {
+            const StarMotionEntry* e = source_ == Source::Hip ? table_->byHip(entry.number) : table_->byHr(entry.number);
+            if (!e) return false;
+            starPlaceAtEpoch(*e, epoch_, raHours, decDeg);
+            return true;
+        }
+        }
+        return false;
+    }
+    bool active() const { return source_ != Source::None; }
+
+private:
+    static constexpr int kFirstDeepCardLevel = 5;  // "Tycho 390K" and "Tycho 2.5 Million"
+    enum class Source { None, Hr, Hip, Card };
+    double epoch_;
+    Source source_ = Source::None;
+    std::optional<StarMotionLookup> table_;
+};
+
+fixed24 radiansFixed(double radians) { return static_cast<fixed24>(std::lround(radians * kFixed24One)); }
 
 void closeList(int listed) {
     auto& list = visibleFieldStars();
@@ -62,7 +113,7 @@ double raHalfWidthHours(int zoomLevel, double centreDecDeg) {
 }
 
 FieldStarLoad loadFieldStars(const ChartView& view, double magnitudeLimit, bool fastPath, const SkyFrame& frame,
-                             const FieldStarPaint& paint, const StopRequested& stopRequested) {
+                             const FieldStarPaint& paint, const StopRequested& stopRequested, double epochYear) {
     FieldStarLoad load;
     closeList(0);
     DatabaseSlot& slot = starCatalogSlot();
@@ -108,6 +159,7 @@ FieldStarLoad loadFieldStars(const ChartView& view, double magnitudeLimit, bool 
     const bool fixed = fastPath && view.zoomLevel <= kLastFixedPathZoom;
     const fixed24 lstFixed = static_cast<fixed24>(std::lround(view.lstHours * kHoursToRad * kFixed24One));
     const int magnitudeBonus = view.screenFactor == 1 ? 1 : 0;
+    const FieldStarMotion motion(epochYear);
     auto& list = visibleFieldStars();
     for (int block = first; block < last && !load.stopped; ++block) {
         const uint8_t* record = fetchRecord(slot, static_cast<uint32_t>(block));
@@ -123,17 +175,32 @@ FieldStarLoad loadFieldStars(const ChartView& view, double magnitudeLimit, bool 
             if (!load.window.contains(minute)) continue;
             StarEntry entry;
             std::memcpy(&entry, raw, sizeof entry);
+            double raJ2000 = 0, decJ2000 = 0;
+            bool moved = false;
+            if (motion.active()) {
+                raJ2000 = starEntryRaHours(entry);
+                decJ2000 = starEntryDecDeg(entry);
+                moved = motion.move(entry, static_cast<uint32_t>(block), k, raJ2000, decJ2000);
+            }
             int32_t u = 0, v = 0;
             bool above = false;
             if (fixed) {
                 StarPosition position;
                 decodeStarEntry(entry, position);
+                if (moved) {
+                    position.ra = radiansFixed(raJ2000 * kHoursToRad);
+                    position.dec = radiansFixed(decJ2000 * M_PI / 180);
+                }
                 fixed24 ra = 0, dec = 0;
                 j2000ToDateFixed(frame, position.ra, position.dec, ra, dec);
                 above = projectStarFixed(view, lstFixed, ra, dec, u, v);
             } else {
+                if (!moved) {
+                    raJ2000 = starEntryRaHours(entry);
+                    decJ2000 = starEntryDecDeg(entry);
+                }
                 double ra = 0, dec = 0;
-                j2000ToDate(frame, starEntryRaHours(entry), starEntryDecDeg(entry), ra, dec);
+                j2000ToDate(frame, raJ2000, decJ2000, ra, dec);
                 above = projectStar(view, view.lstHours, ra, dec, u, v);
             }
             if (!above) continue;
@@ -143,6 +210,7 @@ FieldStarLoad loadFieldStars(const ChartView& view, double magnitudeLimit, bool 
             if (point.x < view.clip.left || point.x > view.clip.right) continue;
             if (paint) paint((entry.mag16 >> 4) + magnitudeBonus, entry.colour, point.x, point.y);
             ++load.drawn;
+            if (moved) ++load.moved;
             if (load.listed < kVisibleFieldStarCapacity) {
                 list[static_cast<std::size_t>(load.listed++)] = {
                     static_cast<uint32_t>(block) * static_cast<uint32_t>(perBlock) + static_cast<uint32_t>(k),

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "tools/card_motion_file.h"
 #include "tools/record_io.h"
 #include "tools/star_packing.h"
 #include "tools/stellarium_stars.h"
@@ -51,12 +52,24 @@ bool buildDeepStarCard(const std::vector<std::filesystem::path>& files, size_t k
     std::stable_sort(stars.begin(), stars.end(),
                      [&key](const StellariumStar& a, const StellariumStar& b) { return key(a) < key(b); });
     stars.resize(std::min(stars.size(), keep));
+    std::map<int32_t, ProperMotion> hipMotions;
+    std::string hipText, hipError;
+    if (readWholeFile(files.front().parent_path() / "hip_pm.dat", hipText) &&
+        !parseHipProperMotions(hipText, hipMotions, hipError)) {
+        error = "hip_pm.dat: " + hipError;
+        return false;
+    }
     std::vector<StarToPack> packed;
+    std::unordered_map<int32_t, ProperMotion> motions;
     packed.reserve(stars.size());
+    motions.reserve(stars.size());
     for (size_t i = 0; i < stars.size(); ++i) {
         const StellariumStar& s = stars[i];
         const int32_t number = s.hip > 0 ? s.hip : kDeepStarNumberBase + static_cast<int32_t>(i);
         packed.push_back({number, s.raDeg / 15.0, s.decDeg, s.mag, s.bv, true});
+        const auto listed = s.hip > 0 ? hipMotions.find(s.hip) : hipMotions.end();
+        motions.emplace(number, listed != hipMotions.end() ? listed->second
+                                                           : ProperMotion{s.pmRaCosDecMasPerYear, s.pmDecMasPerYear});
     }
     card.perBlock = starsPerBlockFor(packed.size());
     if (card.perBlock == 0) {
@@ -64,6 +77,7 @@ bool buildDeepStarCard(const std::vector<std::filesystem::path>& files, size_t k
         return false;
     }
     card.blocks = packStarBlocks(packed, card.perBlock);
+    card.motions = cardMotionEntries(card.blocks, motions);
     card.stars = packed.size();
     card.faintestMag = stars.back().mag;
     return true;

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "catalog/card_star_motion.h"
 #include "catalog/formats.h"
 
 namespace nocturnel {
@@ -27,6 +28,10 @@ struct DeepStarCard {
     int perBlock = 0;
     size_t stars = 0;
     double faintestMag = 0;
+    // The side file's entries, parallel to `blocks`: each star's motion from its record, a
+    // Hipparcos star's from hip_pm.dat beside the files when that lists it (the motion the HR
+    // and Hipparcos cards use).
+    std::vector<CardStarMotion> motions;
 };
 
 // Reads the files and packs the brightest `keep` stars; false with the fault in `error`.
