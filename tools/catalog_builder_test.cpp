@@ -262,7 +262,7 @@ TEST(CatalogBuilder, SameSourcesGiveByteIdenticalFiles) {
         EXPECT_TRUE(a == b) << entry.path().filename();
         ++compared;
     }
-    EXPECT_EQ(compared, 24u);  // 19 record files, 3 Tycho files, the planet series and SOURCES
+    EXPECT_EQ(compared, 26u);  // 19 record files, 3 Tycho files and 2 motion files, the planet series and SOURCES
 }
 
 TEST(CatalogBuilder, Tycho2FilesFromTheCatalogueFormat) {
