@@ -1,9 +1,12 @@
 #include "chart/field_stars.h"
 
+#include <erfa.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <limits>
 #include <map>
@@ -15,6 +18,7 @@
 #include "catalog/star_catalog.h"
 #include "chart/chart_test_support.h"
 #include "settings/message.h"
+#include "settings/program_folder.h"
 
 namespace nocturnel {
 namespace {
@@ -390,6 +394,83 @@ TEST_F(FieldStarsAtTheirDate, SideFileNotMatchingItsCardMovesNothing) {
     out.close();
     ASSERT_TRUE(openStarCatalogLevel(5));
     EXPECT_FALSE(cardMotionReader().prepare());
+}
+
+}  // namespace
+}  // namespace nocturnel
+
+namespace nocturnel {
+namespace {
+
+// The built catalogues (NOCTURNEL_TEST_DATA): Barnard's star and 61 Cygni B on the Hipparcos
+// 110K card and on the "Tycho 390K" card (with its side file), at zoom 11 on a night of 2026,
+// where ERFA puts their published places (Gaia DR3, as the infoboxes of Wikipedia's "Barnard's
+// Star" and "61 Cygni" list them) moved by their space motion.
+class FieldStarsOfTheBuiltCards : public ::testing::Test {
+protected:
+    void SetUp() override {
+        const char* data = std::getenv("NOCTURNEL_TEST_DATA");
+        if (data == nullptr || !std::filesystem::exists(std::filesystem::path(data) / "nocturnel_hip_110k.ppc") ||
+            !std::filesystem::exists(std::filesystem::path(data) / kStarMotionFile))
+            GTEST_SKIP() << "NOCTURNEL_TEST_DATA holds no built Hipparcos card and motion file";
+        setProgramFolder(std::filesystem::path(data).parent_path());
+        closeCatalogues();
+        forgetStarMotion();
+    }
+    void TearDown() override {
+        closeCatalogues();
+        forgetStarMotion();
+    }
+};
+
+struct PublishedFastStar {
+    const char* name;
+    int32_t hip;
+    double raHours, decDeg, pmRaCosDec, pmDec, parallaxMas, radialVelocity;
+};
+
+TEST_F(FieldStarsOfTheBuiltCards, FastStarsWhereErfaPutsThemAtZoom11) {
+    const PublishedFastStar stars[] = {
+        {"Barnard's star", 87937, 17 + 57 / 60.0 + 48.49847 / 3600, 4 + 41 / 60.0 + 36.1139 / 3600, -801.551, 10362.394,
+         546.9759, -110.47},
+        {"61 Cygni B", 104217, 21 + 6 / 60.0 + 55.2638 / 3600, 38 + 44 / 60.0 + 31.359 / 3600, 4105.976, 3155.942, 286.0054,
+         -64.59},
+    };
+    const double jd = 2461369.4, epoch = 2000 + (jd - 2451545.0) / 365.25;  // 2026 November 24, 21:36 UT
+    const SkyFrame frame = skyFrameForDate(jd);
+    for (const int level : {4, 5}) {
+        if (!std::filesystem::exists(dataPath(kStarCatalogFiles[static_cast<size_t>(level)]))) continue;
+        ASSERT_TRUE(openStarCatalogLevel(level)) << level;
+        for (const PublishedFastStar& s : stars) {
+            const double k = M_PI / 180, masToRad = k / 3600e3;
+            double ra = 0, dec = 0, pmr = 0, pmd = 0, px = 0, rv = 0;
+            ASSERT_EQ(eraStarpm(s.raHours * 15 * k, s.decDeg * k, s.pmRaCosDec * masToRad / std::cos(s.decDeg * k),
+                                s.pmDec * masToRad, s.parallaxMas / 1000, s.radialVelocity, 2451545.0, 0.0, jd, 0.0, &ra,
+                                &dec, &pmr, &pmd, &px, &rv),
+                      0);
+            double raDate = 0, decDate = 0;
+            j2000ToDate(frame, eraAnp(ra) / k / 15, dec / k, raDate, decDate);
+            ChartView view = makeChartView(800, 600, 0, 48.1);
+            view.lstHours = raDate;
+            setZoomLevel(view, 11);  // 1 degree over 600 pixels: 6"/pixel
+            setViewCentreEquatorial(view, raDate, decDate);
+            int32_t u = 0, v = 0;
+            ASSERT_TRUE(projectStar(view, view.lstHours, raDate, decDate, u, v));
+            const ScreenPoint expected = chartToScreen(view, u, v);
+            loadFieldStars(view, 12.0, true, frame, {}, {}, epoch);
+            bool found = false;
+            for (int i = 0; i < visibleFieldStarCount(); ++i) {
+                const VisibleFieldStar& entry = visibleFieldStars()[static_cast<size_t>(i)];
+                StarPosition position;
+                if (readStarBySequence(entry.sequence, position) != s.hip) continue;
+                found = true;
+                // Our sources' motions differ from Gaia's by up to 85 mas/yr (Barnard's star: 3"
+                // by this night, half a pixel), and the fixed-point path rounds to a pixel: 2 pixels.
+                EXPECT_LE(std::hypot(entry.x - expected.x, entry.y - expected.y), 2.0) << s.name << " level " << level;
+            }
+            EXPECT_TRUE(found) << s.name << " level " << level;
+        }
+    }
 }
 
 }  // namespace
