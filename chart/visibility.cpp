@@ -177,16 +177,18 @@ double labelNumber(std::string_view field, int index, double fallback) {
 }  // namespace
 
 double clusterMagnification(int typeCode, double sizeArcmin, double apertureMm, double lo, double hi) {
+    bool globular = false;
     switch (typeCode) {
-    case 2: case 3: case 4: case 5:            // globular clusters
-    case 6: case 7: case 8: case 9: case 11: case 12:  // open clusters, clusters with nebulosity
+    case 2: case 3: case 4: case 5:  // "GLOCL", "GX+GC", "LMCGC", "SMCGC"
+        globular = true;
+        break;
+    case 6: case 7: case 8: case 9: case 11: case 12:  // "OPNCL", "LMCOC", "SMCOC", "CL+NB", "LMCCN", "SMCCN"
         break;
     default:
         return 0;
     }
     if (!(sizeArcmin > 0) || !(apertureMm > 0) || !(hi >= lo)) return 0;
     double m = kFramedShareOfField * kStandardApparentFieldDeg * 60.0 / sizeArcmin;
-    const bool globular = typeCode <= 5;
     if (globular) m = std::max(m, kEyeResolutionArcsec / (kDawesArcsecMm / apertureMm));
     return std::clamp(m, lo, hi);
 }

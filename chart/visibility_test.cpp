@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdio>
 
 #include "chart/contrast_threshold_table.h"
 
@@ -286,7 +285,9 @@ TEST(VisibilityFromPreferences, ListIndexesMapToTheShownEntries) {
     const double averageLimit = prepareVisibility(visibilitySetupFromPreferences(fresh, {})).nakedEyeLimitMag;
     EXPECT_NEAR(averageLimit - freshLimit, 2.5 * std::log10(25.0) + 0.5 + 5 * std::log10(eyePupilForAge(25) / eyePupilForAge(15)),
                 1e-6);
-    std::printf("naked-eye limit, Country sky: fresh record %.2f, 10/10 Hobbyst age 25 %.2f\n", freshLimit, averageLimit);
+    // Country sky: 2.1 against 6.0.
+    EXPECT_LT(freshLimit, 2.5);
+    EXPECT_GT(averageLimit, 5.5);
 }
 
 }  // namespace
