@@ -76,6 +76,50 @@ private:
 
 fixed24 radiansFixed(double radians) { return static_cast<fixed24>(std::lround(radians * kFixed24One)); }
 
+// The screen point of an entry (its packed J2000 place, or `place`: RA hours and Dec degrees),
+// panorama x wrapped; false below the horizon.
+bool projectEntry(const ChartView& view, const SkyFrame& frame, bool fixed, fixed24 lstFixed, const StarEntry& entry,
+                  const double* place, ScreenPoint& point) {
+    int32_t u = 0, v = 0;
+    bool above = false;
+    if (fixed) {
+        StarPosition position;
+        decodeStarEntry(entry, position);
+        if (place) {
+            position.ra = radiansFixed(place[0] * kHoursToRad);
+            position.dec = radiansFixed(place[1] * M_PI / 180);
+        }
+        fixed24 ra = 0, dec = 0;
+        j2000ToDateFixed(frame, position.ra, position.dec, ra, dec);
+        above = projectStarFixed(view, lstFixed, ra, dec, u, v);
+    } else {
+        double ra = 0, dec = 0;
+        j2000ToDate(frame, place ? place[0] : starEntryRaHours(entry), place ? place[1] : starEntryDecDeg(entry), ra, dec);
+        above = projectStar(view, view.lstHours, ra, dec, u, v);
+    }
+    if (!above) return false;
+    point = chartToScreen(view, u, v);
+    point.x = wrapPanoramaX(view, point.x);
+    return true;
+}
+
+// The point inside the clip rectangle grown by `margin` pixels on every side.
+bool withinClip(const ChartView& view, ScreenPoint p, int margin) {
+    return p.y >= view.clip.top - margin && p.y <= view.clip.bottom + margin && p.x >= view.clip.left - margin &&
+           p.x <= view.clip.right + margin;
+}
+
+// Farthest (pixels) a star can have moved between J2000 and the epoch: Barnard's star, the
+// fastest, 10.4"/yr, on the scale of the zoom level's field across the chart's smaller side,
+// doubled for the stretch of the projection towards the edges, plus a pixel.
+constexpr double kFastestStarArcsecPerYear = 10.4;
+int motionMarginPixels(const ChartView& view, double epochYear) {
+    if (!std::isfinite(epochYear)) return 0;
+    const double shiftDeg = kFastestStarArcsecPerYear * std::fabs(epochYear - 2000.0) / 3600.0;
+    const double pixelsPerDeg = std::min(view.width, view.height) / fieldOfViewDeg(view.zoomLevel);
+    return static_cast<int>(std::ceil(2.0 * shiftDeg * pixelsPerDeg)) + 1;
+}
+
 void closeList(int listed) {
     auto& list = visibleFieldStars();
     list[static_cast<std::size_t>(std::min(listed, kVisibleFieldStarCapacity - 1))] = {kVisibleListEndMark, 0, 0};
@@ -160,6 +204,7 @@ FieldStarLoad loadFieldStars(const ChartView& view, double magnitudeLimit, bool 
     const fixed24 lstFixed = static_cast<fixed24>(std::lround(view.lstHours * kHoursToRad * kFixed24One));
     const int magnitudeBonus = view.screenFactor == 1 ? 1 : 0;
     const FieldStarMotion motion(epochYear);
+    const int marginPx = motionMarginPixels(view, epochYear);
     auto& list = visibleFieldStars();
     for (int block = first; block < last && !load.stopped; ++block) {
         const uint8_t* record = fetchRecord(slot, static_cast<uint32_t>(block));
@@ -175,39 +220,22 @@ FieldStarLoad loadFieldStars(const ChartView& view, double magnitudeLimit, bool 
             if (!load.window.contains(minute)) continue;
             StarEntry entry;
             std::memcpy(&entry, raw, sizeof entry);
-            double raJ2000 = 0, decJ2000 = 0;
+            // The catalogue place first; a star with a motion is moved only when that place is
+            // within the farthest any star can have moved of the chart, so that the lookups and
+            // the second projection are spent on the few stars near the chart.
+            ScreenPoint point;
+            if (!projectEntry(view, frame, fixed, lstFixed, entry, nullptr, point)) continue;
             bool moved = false;
             if (motion.active()) {
-                raJ2000 = starEntryRaHours(entry);
-                decJ2000 = starEntryDecDeg(entry);
-                moved = motion.move(entry, static_cast<uint32_t>(block), k, raJ2000, decJ2000);
-            }
-            int32_t u = 0, v = 0;
-            bool above = false;
-            if (fixed) {
-                StarPosition position;
-                decodeStarEntry(entry, position);
+                if (!withinClip(view, point, marginPx)) continue;
+                double ra = starEntryRaHours(entry), dec = starEntryDecDeg(entry);
+                moved = motion.move(entry, static_cast<uint32_t>(block), k, ra, dec);
                 if (moved) {
-                    position.ra = radiansFixed(raJ2000 * kHoursToRad);
-                    position.dec = radiansFixed(decJ2000 * M_PI / 180);
+                    const double place[2] = {ra, dec};
+                    if (!projectEntry(view, frame, fixed, lstFixed, entry, place, point)) continue;
                 }
-                fixed24 ra = 0, dec = 0;
-                j2000ToDateFixed(frame, position.ra, position.dec, ra, dec);
-                above = projectStarFixed(view, lstFixed, ra, dec, u, v);
-            } else {
-                if (!moved) {
-                    raJ2000 = starEntryRaHours(entry);
-                    decJ2000 = starEntryDecDeg(entry);
-                }
-                double ra = 0, dec = 0;
-                j2000ToDate(frame, raJ2000, decJ2000, ra, dec);
-                above = projectStar(view, view.lstHours, ra, dec, u, v);
             }
-            if (!above) continue;
-            ScreenPoint point = chartToScreen(view, u, v);
-            if (point.y < view.clip.top || point.y > view.clip.bottom) continue;
-            point.x = wrapPanoramaX(view, point.x);
-            if (point.x < view.clip.left || point.x > view.clip.right) continue;
+            if (!withinClip(view, point, 0)) continue;
             if (paint) paint((entry.mag16 >> 4) + magnitudeBonus, entry.colour, point.x, point.y);
             ++load.drawn;
             if (moved) ++load.moved;

@@ -336,6 +336,30 @@ TEST_F(FieldStarsAtTheirDate, HipparcosCardStarsAtTheirMovedPixel) {
     }
 }
 
+TEST_F(FieldStarsAtTheirDate, StarMovedOntoTheChartFromBeyondItsEdge) {
+    writeMotionFile();
+    writeCard("nocturnel_hip_16k.ppc", 1, kBarnard.number, kCygni61.number);
+    const double epoch = 2026.9;
+    // Zoom 12 (3"/pixel) centred 800" north of the moved place: the moved place is some 30
+    // pixels inside the lower edge, the catalogue place of 2000 (279" further south) beyond it.
+    ChartView view = makeChartView(800, 600, 0, 48.1);
+    view.lstHours = kBarnard.raHours;
+    setZoomLevel(view, 12);
+    double ra = 0, dec = 0;
+    movePlaceToEpoch(kBarnard.raHours, kBarnard.decDeg, kBarnard.pmRaCosDec, kBarnard.pmDec, epoch, ra, dec);
+    setViewCentreEquatorial(view, ra, dec + 800.0 / 3600);
+    const ScreenPoint moved = pointOf(view, SkyFrame{}, ra, dec), still = pointOf(view, SkyFrame{}, kBarnard.raHours, kBarnard.decDeg);
+    ASSERT_TRUE(insideClip(view, moved.x, moved.y));
+    ASSERT_FALSE(insideClip(view, still.x, still.y));
+    for (const bool fast : {true, false})
+        EXPECT_LE(pixels(painted(view, fast, SkyFrame{}, epoch, kBarnard.colour), moved), 1.5) << fast;
+    // And the other way: the star of 2000 on the chart has left it by 2026.9.
+    setViewCentreEquatorial(view, kBarnard.raHours, kBarnard.decDeg - 800.0 / 3600);
+    const ScreenPoint gone = painted(view, true, SkyFrame{}, epoch, kBarnard.colour);
+    EXPECT_EQ(gone.x, -1);
+    EXPECT_NE(painted(view, true, SkyFrame{}, std::numeric_limits<double>::quiet_NaN(), kBarnard.colour).x, -1);
+}
+
 TEST_F(FieldStarsAtTheirDate, HrCardStarsFoundByTheirHrNumber) {
     // 61 Cygni A is HR 8085: the HR card's entries carry HR numbers.
     StarMotionRecord record{};
