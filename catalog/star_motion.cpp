@@ -15,7 +15,7 @@ namespace nocturnel {
 namespace {
 
 struct MotionTable {
-    std::string path;                                // the file it was read from; empty: not read yet
+    std::string folder;                              // the program folder it was read for; empty: not read yet
     std::shared_ptr<const StarMotionTable> table = std::make_shared<const StarMotionTable>();
 };
 
@@ -57,10 +57,11 @@ std::shared_ptr<const StarMotionTable> tableOf(std::vector<StarMotionEntry> entr
     return table;
 }
 
-// The table of the current data folder; the caller holds gMotionMutex.
+// The table of the current data folder; the caller holds gMotionMutex. The folder is compared
+// as it stands (no path built): a chart asks once for each of its bright stars.
 std::shared_ptr<const StarMotionTable> currentTable() {
-    const std::string path = dataPath(kStarMotionFile).string();
-    if (gMotion.path != path) gMotion = MotionTable{path, tableOf(readMotionFile())};
+    const std::string& folder = programFolder().native();
+    if (gMotion.folder.empty() || gMotion.folder != folder) gMotion = MotionTable{folder, tableOf(readMotionFile())};
     return gMotion.table;
 }
 
