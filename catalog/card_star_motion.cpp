@@ -32,8 +32,10 @@ bool CardMotionReader::prepare() {
     DatabaseSlot& card = starCatalogSlot();
     const int level = starCatalogLevel();
     const bool known = level >= 0 && level < static_cast<int>(kStarCatalogFiles.size());
-    const std::string path = known ? dataPath(kStarCatalogFiles[static_cast<size_t>(level)]).string() : std::string();
-    const std::string name = known ? cardMotionFileName(kStarCatalogFiles[static_cast<size_t>(level)]) : std::string();
+    const std::string path =
+        known ? dataPath(kStarCatalogFiles[static_cast<size_t>(level)]).string() : std::string();
+    const std::string name =
+        known ? cardMotionFileName(kStarCatalogFiles[static_cast<size_t>(level)]) : std::string();
     const std::string stamp = known ? fileStamp(dataPath(name)) : std::string();
     if (card.file.get() == cardFile_ && path == cardPath_ && starsPerBlock() == perBlock_ &&
         recordCount(card) == cardRecords_ && stamp == sideStamp_)
@@ -62,7 +64,8 @@ bool CardMotionReader::motionOf(uint32_t block, int k, int32_t number, CardStarM
         if (!loaded_) return false;
     }
     std::memcpy(&out, loaded_ + static_cast<size_t>(k) * sizeof(CardStarMotion), sizeof out);
-    return out.number == number && std::isfinite(out.pmRaCosDecMasPerYear) && std::isfinite(out.pmDecMasPerYear);
+    return out.number == number && std::isfinite(out.pmRaCosDecMasPerYear) &&
+           std::isfinite(out.pmDecMasPerYear);
 }
 
 CardMotionReader& cardMotionReader() {

@@ -15,9 +15,9 @@
 namespace nocturnel {
 
 struct CardStarMotion {
-    int32_t number;                // the star number of the card's entry (0: empty slot)
-    float pmRaCosDecMasPerYear;    // proper motion along RA, times cos(dec), mas/yr
-    float pmDecMasPerYear;         // proper motion in Dec, mas/yr
+    int32_t number;              // the star number of the card's entry (0: empty slot)
+    float pmRaCosDecMasPerYear;  // proper motion along RA, times cos(dec), mas/yr
+    float pmDecMasPerYear;       // proper motion in Dec, mas/yr
 };
 static_assert(sizeof(CardStarMotion) == 12);
 

@@ -13,8 +13,10 @@ std::vector<CardStarMotion> cardMotionEntries(std::span<const StarEntry> slots,
     for (size_t i = 0; i < slots.size(); ++i) {
         const int32_t number = slots[i].number;
         const auto it = number != 0 ? motions.find(number) : motions.end();
-        if (it == motions.end() || (it->second.raCosDecMasPerYear == 0 && it->second.decMasPerYear == 0)) continue;
-        entries[i] = {number, static_cast<float>(it->second.raCosDecMasPerYear), static_cast<float>(it->second.decMasPerYear)};
+        if (it == motions.end() || (it->second.raCosDecMasPerYear == 0 && it->second.decMasPerYear == 0))
+            continue;
+        entries[i] = {number, static_cast<float>(it->second.raCosDecMasPerYear),
+                      static_cast<float>(it->second.decMasPerYear)};
     }
     return entries;
 }
@@ -29,12 +31,13 @@ std::string cardMotionFileBytes(std::span<const CardStarMotion> entries, int per
     return bytes;
 }
 
-bool checkCardMotionFile(const std::filesystem::path& card, const std::filesystem::path& side, std::string& error) {
+bool checkCardMotionFile(const std::filesystem::path& card, const std::filesystem::path& side,
+                         std::string& error) {
     std::string cardBytes, sideBytes;
     const std::string name = side.filename().string();
     DatabaseHeader cardHeader{}, sideHeader{};
-    if (!readWholeFile(card, cardBytes) || !readWholeFile(side, sideBytes) || cardBytes.size() < sizeof cardHeader ||
-        sideBytes.size() < sizeof sideHeader) {
+    if (!readWholeFile(card, cardBytes) || !readWholeFile(side, sideBytes) ||
+        cardBytes.size() < sizeof cardHeader || sideBytes.size() < sizeof sideHeader) {
         error = name + ": it or its card is missing or shorter than a header";
         return false;
     }

@@ -27,6 +27,7 @@ std::string cardMotionFileBytes(std::span<const CardStarMotion> entries, int per
 
 // The written side file against its card: as many records as the card's blocks, each entry
 // numbered as the card's slot or 0, every motion finite and under 11"/yr.
-bool checkCardMotionFile(const std::filesystem::path& card, const std::filesystem::path& side, std::string& error);
+bool checkCardMotionFile(const std::filesystem::path& card, const std::filesystem::path& side,
+                         std::string& error);
 
 }  // namespace nocturnel

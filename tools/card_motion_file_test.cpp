@@ -3,6 +3,7 @@
 #include "tools/card_motion_file.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -10,8 +11,6 @@
 #include <filesystem>
 #include <map>
 #include <unordered_map>
-
-#include <unistd.h>
 
 #include "tools/catalog_builder.h"
 #include "tools/deep_star_card.h"
@@ -32,7 +31,8 @@ void put32(std::string& bytes, int32_t value) {
 // carrying the motion (dx0, dx1) along the zone's axes.
 std::string filePerZone(int type, int32_t dx0, int32_t dx1) {
     std::string bytes;
-    for (int32_t v : {static_cast<int32_t>(kStellariumStarMagic), type, 0, 8, 0, 0, 12800, 256}) put32(bytes, v);
+    for (int32_t v : {static_cast<int32_t>(kStellariumStarMagic), type, 0, 8, 0, 0, 12800, 256})
+        put32(bytes, v);
     for (int z = 0; z < 20; ++z) put32(bytes, 1);
     for (int z = 0; z < 20; ++z) {
         if (type == 0) {
@@ -60,9 +60,16 @@ std::string filePerZone(int type, int32_t dx0, int32_t dx1) {
 TEST(StellariumMotions, BothRecordTypesGiveEastAndNorthInMasPerYear) {
     // At a zone's centre the zone's axes are the star's east and north: the motion is the
     // records' dx0, dx1 in units of 0.1 mas/yr.
-    struct Case { int type; int32_t dx0, dx1; double east, north; };
-    const Case cases[] = {{0, 103624, -7988, 10362.4, -798.8}, {0, -65051, 57308, -6505.1, 5730.8},
-                          {1, 8191, -8192, 819.1, -819.2}, {1, -1, 2500, -0.1, 250.0}, {1, 0, 0, 0, 0}};
+    struct Case {
+        int type;
+        int32_t dx0, dx1;
+        double east, north;
+    };
+    const Case cases[] = {{0, 103624, -7988, 10362.4, -798.8},
+                          {0, -65051, 57308, -6505.1, 5730.8},
+                          {1, 8191, -8192, 819.1, -819.2},
+                          {1, -1, 2500, -0.1, 250.0},
+                          {1, 0, 0, 0, 0}};
     for (const Case& c : cases) {
         std::vector<StellariumStar> stars;
         std::string error;
@@ -99,7 +106,8 @@ TEST(CardMotionFile, ParallelToItsCardAndChecked) {
     }
     EXPECT_EQ(moving, 67);
 
-    const std::filesystem::path folder = std::filesystem::temp_directory_path() / ("nocturnel-card-pm-" + std::to_string(::getpid()));
+    const std::filesystem::path folder =
+        std::filesystem::temp_directory_path() / ("nocturnel-card-pm-" + std::to_string(::getpid()));
     std::filesystem::create_directories(folder);
     const auto card = folder / "card.ppc", side = folder / "card_pm.ppc";
     DatabaseHeader header{1, 0, static_cast<uint32_t>(blocks.size() / 42), 42 * sizeof(StarEntry)};
@@ -113,7 +121,8 @@ TEST(CardMotionFile, ParallelToItsCardAndChecked) {
     // A renumbered entry, a record short, an impossible speed: each refused.
     for (int fault : {0, 1, 2}) {
         std::vector<CardStarMotion> bad = entries;
-        const auto moving1 = std::find_if(bad.begin(), bad.end(), [](const CardStarMotion& m) { return m.number != 0; });
+        const auto moving1 =
+            std::find_if(bad.begin(), bad.end(), [](const CardStarMotion& m) { return m.number != 0; });
         if (fault == 0) moving1->number += 1;
         if (fault == 1) bad.resize(bad.size() - 42);
         if (fault == 2) moving1->pmDecMasPerYear = 20000;
@@ -133,7 +142,8 @@ TEST(StellariumMotions, RealFilesAgreeWithHipPm) {
     const std::filesystem::path folder = sources / "stellarium/usr/share/stellarium/stars/default";
     const auto files = sources.empty() ? std::vector<std::filesystem::path>{} : stellariumStarFiles(folder);
     std::string text, error, bytes;
-    if (files.empty() || !readWholeFile(folder / "hip_pm.dat", text)) GTEST_SKIP() << "Stellarium's star files are not fetched";
+    if (files.empty() || !readWholeFile(folder / "hip_pm.dat", text))
+        GTEST_SKIP() << "Stellarium's star files are not fetched";
     std::map<int32_t, ProperMotion> listed;
     ASSERT_TRUE(parseHipProperMotions(text, listed, error)) << error;
     ASSERT_TRUE(readWholeFile(files[1], bytes));
