@@ -6,6 +6,7 @@
 #include <map>
 #include <string>
 
+#include "catalog/card_star_motion.h"
 #include "catalog/catalogues.h"
 #include "catalog/constellations.h"
 #include "catalog/name_index.h"
@@ -15,7 +16,6 @@
 #include "catalog/objects.h"
 #include "catalog/record_file.h"
 #include "catalog/star_catalog.h"
-#include "catalog/card_star_motion.h"
 #include "catalog/star_motion.h"
 #include "settings/message.h"
 #include "settings/program_folder.h"

@@ -97,7 +97,8 @@ TEST_F(FinderTest, TychoStarsFromTheSmallerTychoFile) {
 
 TEST_F(FinderTest, TychoStarsMoveByTheirCardsSideFile) {
     std::vector<StarEntry> entries(42, starEntry(0, 0, 0, 0, -90, 0, 0, 15.9));
-    for (int k = 0; k < 42; ++k) entries.push_back(starEntry(310500000 + 2050 + k, 18, 36, 56, 38, 40 + k / 6, 0));
+    for (int k = 0; k < 42; ++k)
+        entries.push_back(starEntry(310500000 + 2050 + k, 18, 36, 56, 38, 40 + k / 6, 0));
     test::writeStarBlocks("nocturnel_tycho_390k.ppc", entries, 42);
     std::vector<TychoRegionRecord> regions(3106, TychoRegionRecord{0, 0});
     regions[3105] = {38.5f, 39.0f};
@@ -111,7 +112,10 @@ TEST_F(FinderTest, TychoStarsMoveByTheirCardsSideFile) {
     test::writeBytes("nocturnel_tycho_390k_pm.ppc", bytes);
     const Preferences saved = prefs();
     prefs().utcOffsetMin = 0;
-    struct Case { ObservingMoment moment; double northArcsec; };
+    struct Case {
+        ObservingMoment moment;
+        double northArcsec;
+    };
     const Case cases[] = {{{2000, 1, 1, 12, 0, 0}, 0.0}, {{2100, 1, 1, 12, 0, 0}, 100.0}};
     for (const Case& c : cases) {
         prefs().moment = c.moment;

@@ -15,7 +15,7 @@ namespace nocturnel {
 namespace {
 
 struct MotionTable {
-    std::string folder;                              // the program folder it was read for; empty: not read yet
+    std::string folder;  // the program folder it was read for; empty: not read yet
     std::shared_ptr<const StarMotionTable> table = std::make_shared<const StarMotionTable>();
 };
 
@@ -61,7 +61,8 @@ std::shared_ptr<const StarMotionTable> tableOf(std::vector<StarMotionEntry> entr
 // as it stands (no path built): a chart asks once for each of its bright stars.
 std::shared_ptr<const StarMotionTable> currentTable() {
     const std::string& folder = programFolder().native();
-    if (gMotion.folder.empty() || gMotion.folder != folder) gMotion = MotionTable{folder, tableOf(readMotionFile())};
+    if (gMotion.folder.empty() || gMotion.folder != folder)
+        gMotion = MotionTable{folder, tableOf(readMotionFile())};
     return gMotion.table;
 }
 
@@ -74,9 +75,12 @@ const StarMotionEntry* lookupHip(const StarMotionTable& t, int32_t hip) {
 
 const StarMotionEntry* lookupHr(const StarMotionTable& t, int32_t hr) {
     if (hr <= 0) return nullptr;
-    const auto it = std::lower_bound(t.hrOrder.begin(), t.hrOrder.end(), hr,
-                                     [&](int32_t i, int32_t n) { return t.byHip[static_cast<size_t>(i)].hr < n; });
-    return it == t.hrOrder.end() || t.byHip[static_cast<size_t>(*it)].hr != hr ? nullptr : &t.byHip[static_cast<size_t>(*it)];
+    const auto it = std::lower_bound(t.hrOrder.begin(), t.hrOrder.end(), hr, [&](int32_t i, int32_t n) {
+        return t.byHip[static_cast<size_t>(i)].hr < n;
+    });
+    return it == t.hrOrder.end() || t.byHip[static_cast<size_t>(*it)].hr != hr
+               ? nullptr
+               : &t.byHip[static_cast<size_t>(*it)];
 }
 
 int64_t daysFromCivil(int64_t y, int64_t m, int64_t d) {
@@ -95,8 +99,12 @@ StarMotionLookup::StarMotionLookup() {
     table_ = currentTable();
 }
 
-const StarMotionEntry* StarMotionLookup::byHip(int32_t hip) const { return lookupHip(*table_, hip); }
-const StarMotionEntry* StarMotionLookup::byHr(int32_t hr) const { return lookupHr(*table_, hr); }
+const StarMotionEntry* StarMotionLookup::byHip(int32_t hip) const {
+    return lookupHip(*table_, hip);
+}
+const StarMotionEntry* StarMotionLookup::byHr(int32_t hr) const {
+    return lookupHr(*table_, hr);
+}
 
 bool findStarMotion(int32_t hip, StarMotionEntry& out) {
     if (hip <= 0) return false;
@@ -113,12 +121,12 @@ bool findStarMotionByHr(int32_t hr, StarMotionEntry& out) {
 }
 
 void starPlaceAtEpoch(const StarMotionEntry& star, double epochYear, double& raHours, double& decDeg) {
-    movePlaceToEpoch(star.raDeg / 15.0, star.decDeg, star.pmRaCosDecMasPerYear, star.pmDecMasPerYear, epochYear, raHours,
-                     decDeg);
+    movePlaceToEpoch(star.raDeg / 15.0, star.decDeg, star.pmRaCosDecMasPerYear, star.pmDecMasPerYear,
+                     epochYear, raHours, decDeg);
 }
 
-void movePlaceToEpoch(double raHoursJ2000, double decDegJ2000, double pmRaCosDec, double pmDec, double epochYear,
-                      double& raHours, double& decDeg) {
+void movePlaceToEpoch(double raHoursJ2000, double decDegJ2000, double pmRaCosDec, double pmDec,
+                      double epochYear, double& raHours, double& decDeg) {
     constexpr double kDegToRad = M_PI / 180, kMasToRad = M_PI / (180.0 * 3600.0 * 1000.0);
     const double ra = raHoursJ2000 * 15.0 * kDegToRad, dec = decDegJ2000 * kDegToRad;
     const double years = std::isfinite(epochYear) ? epochYear - 2000.0 : 0.0;

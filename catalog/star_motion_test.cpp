@@ -144,13 +144,17 @@ protected:
 struct PublishedStar {
     const char* name;
     int32_t hip;
-    double raHours, decDeg;      // ICRS, epoch J2000
-    double pmRaCosDec, pmDec;    // mas/yr
+    double raHours, decDeg;    // ICRS, epoch J2000
+    double pmRaCosDec, pmDec;  // mas/yr
     double parallaxMas, radialVelocityKmPerS;
-    double toleranceArcsec;      // the place in 2026.9 against ERFA's; see each star
+    double toleranceArcsec;  // the place in 2026.9 against ERFA's; see each star
 };
-constexpr double hours(int h, int m, double s) { return h + m / 60.0 + s / 3600.0; }
-constexpr double degrees(int sign, int d, int m, double s) { return sign * (d + m / 60.0 + s / 3600.0); }
+constexpr double hours(int h, int m, double s) {
+    return h + m / 60.0 + s / 3600.0;
+}
+constexpr double degrees(int sign, int d, int m, double s) {
+    return sign * (d + m / 60.0 + s / 3600.0);
+}
 const PublishedStar kPublished[] = {
     // Gaia DR3 (Gaia Collaboration 2023), as listed in the infobox of Wikipedia's "Barnard's Star"
     // (https://wiki.richxsearch.com/view_html.php?lang=en&q=Barnard%27s_Star): 17 57 48.49847
@@ -158,8 +162,8 @@ const PublishedStar kPublished[] = {
     // Our source (hip_pm.dat) has +10277.30 in Dec, 85 mas/yr short: 2.3" by 2026.9; the linear
     // motion leaves out the perspective acceleration ERFA applies, 0.5"; the place of 2000 of
     // Stellarium's file is 0.3" from Gaia's. Hence 3.5", the sum with some margin.
-    {"Barnard's star", 87937, hours(17, 57, 48.49847), degrees(1, 4, 41, 36.1139), -801.551, 10362.394, 546.9759, -110.47,
-     3.5},
+    {"Barnard's star", 87937, hours(17, 57, 48.49847), degrees(1, 4, 41, 36.1139), -801.551, 10362.394,
+     546.9759, -110.47, 3.5},
     // Hipparcos, as listed in the infobox of Wikipedia's "Arcturus"
     // (https://howlingpixel.com/i-en/Arcturus): place 14 15 39.7 +19 10 56 (van Leeuwen 2007,
     // rounded there to 0.1 s and 1"), pm -1093.45 -1999.40 mas/yr (Perryman et al. 1997),
@@ -173,13 +177,15 @@ const PublishedStar kPublished[] = {
     // 2026.9), but its place is 44" short along the motion: Stellarium's record of HIP 104214
     // holds the place of the Hipparcos epoch 1991.25, not of 2000 (61 Cygni B's, HIP 104217,
     // is right). That fault of the source is checked as it is, so that a corrected source shows.
-    {"61 Cygni A", 104214, hours(21, 6, 53.9396), degrees(1, 38, 44, 57.902), 4164.209, 3249.614, 285.9949, -65.97, 45.0},
+    {"61 Cygni A", 104214, hours(21, 6, 53.9396), degrees(1, 38, 44, 57.902), 4164.209, 3249.614, 285.9949,
+     -65.97, 45.0},
     // Hipparcos new reduction (van Leeuwen 2007), as listed in the infobox of Wikipedia's
     // "Kapteyn's Star" (http://piglix.com/piglix/Kapteyn%27s_Star): 05 11 40.58112 -45 01 06.2899,
     // pm +6505.08 -5730.84 mas/yr, parallax 255.66 mas, RV +245.2 km/s. Our source's motion
     // (+6544.2 -5774.3) differs by 58 mas/yr: 1.6" by 2026.9; the place of 2000 of Stellarium's
     // file is 0.5" off; the perspective acceleration (RV +245 km/s) ERFA applies, 0.4": 2.8".
-    {"Kapteyn's Star", 24186, hours(5, 11, 40.58112), degrees(-1, 45, 1, 6.2899), 6505.08, -5730.84, 255.66, 245.2, 2.8},
+    {"Kapteyn's Star", 24186, hours(5, 11, 40.58112), degrees(-1, 45, 1, 6.2899), 6505.08, -5730.84, 255.66,
+     245.2, 2.8},
 };
 
 // ERFA's place (ICRS, hours and degrees) of a published star at a Julian epoch.
@@ -187,9 +193,10 @@ void erfaPlaceAt(const PublishedStar& p, double epochYear, double& raHours, doub
     const double k = M_PI / 180, masToRad = k / 3600e3;
     const double dec = p.decDeg * k;
     double ra2 = 0, dec2 = 0, pmr2 = 0, pmd2 = 0, px2 = 0, rv2 = 0;
-    const int status = eraStarpm(p.raHours * 15 * k, dec, p.pmRaCosDec * masToRad / std::cos(dec), p.pmDec * masToRad,
-                                 p.parallaxMas / 1000, p.radialVelocityKmPerS, 2451545.0, 0.0,
-                                 2451545.0 + (epochYear - 2000) * 365.25, 0.0, &ra2, &dec2, &pmr2, &pmd2, &px2, &rv2);
+    const int status =
+        eraStarpm(p.raHours * 15 * k, dec, p.pmRaCosDec * masToRad / std::cos(dec), p.pmDec * masToRad,
+                  p.parallaxMas / 1000, p.radialVelocityKmPerS, 2451545.0, 0.0,
+                  2451545.0 + (epochYear - 2000) * 365.25, 0.0, &ra2, &dec2, &pmr2, &pmd2, &px2, &rv2);
     EXPECT_EQ(status, 0) << p.name;
     raHours = eraAnp(ra2) / k / 15;
     decDeg = dec2 / k;
@@ -214,8 +221,8 @@ TEST_F(StarMotionRealData, FastStarsAtTheirPublishedPlaceIn2026) {
         EXPECT_NEAR(way, erfaWay, 3.0) << p.name;
         // And the place of 2000 would now be far off (Barnard's star 280", Arcturus 61").
         EXPECT_GT(erfaWay, 50) << p.name;
-        std::printf("%s: %.2f\" from ERFA's place in %.1f, way since 2000 %.2f\" against %.2f\"\n", p.name, off, epoch,
-                    way, erfaWay);
+        std::printf("%s: %.2f\" from ERFA's place in %.1f, way since 2000 %.2f\" against %.2f\"\n", p.name,
+                    off, epoch, way, erfaWay);
     }
 }
 
@@ -228,17 +235,23 @@ TEST(StarMotion, LinearMotionMatchesErfaWithoutRadialVelocity) {
     for (const PublishedStar& p : kPublished) {
         for (double epoch : {1900.0, 1991.25, 2026.9, 2100.0}) {
             // The motion as the file stores it (floats).
-            const StarMotionEntry e{p.hip, 0, p.raHours * 15, p.decDeg, static_cast<float>(p.pmRaCosDec),
+            const StarMotionEntry e{p.hip,
+                                    0,
+                                    p.raHours * 15,
+                                    p.decDeg,
+                                    static_cast<float>(p.pmRaCosDec),
                                     static_cast<float>(p.pmDec)};
             double ra = 0, dec = 0;
             starPlaceAtEpoch(e, epoch, ra, dec);
             const double d = p.decDeg * k;
             double ra2 = 0, dec2 = 0, pmr2 = 0, pmd2 = 0, px2 = 0, rv2 = 0;
-            ASSERT_EQ(eraStarpm(p.raHours * 15 * k, d, e.pmRaCosDecMasPerYear * masToRad / std::cos(d),
-                                e.pmDecMasPerYear * masToRad, p.parallaxMas / 1000, 0.0, 2451545.0, 0.0,
-                                2451545.0 + (epoch - 2000) * 365.25, 0.0, &ra2, &dec2, &pmr2, &pmd2, &px2, &rv2),
-                      0);
-            EXPECT_LT(separationArcsec(ra, dec, eraAnp(ra2) / k / 15, dec2 / k), 0.001) << p.name << " " << epoch;
+            ASSERT_EQ(
+                eraStarpm(p.raHours * 15 * k, d, e.pmRaCosDecMasPerYear * masToRad / std::cos(d),
+                          e.pmDecMasPerYear * masToRad, p.parallaxMas / 1000, 0.0, 2451545.0, 0.0,
+                          2451545.0 + (epoch - 2000) * 365.25, 0.0, &ra2, &dec2, &pmr2, &pmd2, &px2, &rv2),
+                0);
+            EXPECT_LT(separationArcsec(ra, dec, eraAnp(ra2) / k / 15, dec2 / k), 0.001)
+                << p.name << " " << epoch;
         }
     }
 }

@@ -46,21 +46,23 @@ public:
     // Moves (raHours, decDeg), the entry's J2000 place, to the epoch; false when no motion is known.
     bool move(const StarEntry& entry, uint32_t block, int k, double& raHours, double& decDeg) const {
         switch (source_) {
-        case Source::None:
-            return false;
-        case Source::Card: {
-            CardStarMotion m;
-            if (!cardMotionReader().motionOf(block, k, entry.number, m)) return false;
-            movePlaceToEpoch(raHours, decDeg, m.pmRaCosDecMasPerYear, m.pmDecMasPerYear, epoch_, raHours, decDeg);
-            return true;
-        }
-        case Source::Hip:
-        case Source::Hr: {
-            const StarMotionEntry* e = source_ == Source::Hip ? table_->byHip(entry.number) : table_->byHr(entry.number);
-            if (!e) return false;
-            starPlaceAtEpoch(*e, epoch_, raHours, decDeg);
-            return true;
-        }
+            case Source::None:
+                return false;
+            case Source::Card: {
+                CardStarMotion m;
+                if (!cardMotionReader().motionOf(block, k, entry.number, m)) return false;
+                movePlaceToEpoch(raHours, decDeg, m.pmRaCosDecMasPerYear, m.pmDecMasPerYear, epoch_, raHours,
+                                 decDeg);
+                return true;
+            }
+            case Source::Hip:
+            case Source::Hr: {
+                const StarMotionEntry* e =
+                    source_ == Source::Hip ? table_->byHip(entry.number) : table_->byHr(entry.number);
+                if (!e) return false;
+                starPlaceAtEpoch(*e, epoch_, raHours, decDeg);
+                return true;
+            }
         }
         return false;
     }
@@ -74,12 +76,14 @@ private:
     std::optional<StarMotionLookup> table_;
 };
 
-fixed24 radiansFixed(double radians) { return static_cast<fixed24>(std::lround(radians * kFixed24One)); }
+fixed24 radiansFixed(double radians) {
+    return static_cast<fixed24>(std::lround(radians * kFixed24One));
+}
 
 // The screen point of an entry (its packed J2000 place, or `place`: RA hours and Dec degrees),
 // panorama x wrapped; false below the horizon.
-bool projectEntry(const ChartView& view, const SkyFrame& frame, bool fixed, fixed24 lstFixed, const StarEntry& entry,
-                  const double* place, ScreenPoint& point) {
+bool projectEntry(const ChartView& view, const SkyFrame& frame, bool fixed, fixed24 lstFixed,
+                  const StarEntry& entry, const double* place, ScreenPoint& point) {
     int32_t u = 0, v = 0;
     bool above = false;
     if (fixed) {
@@ -94,7 +98,8 @@ bool projectEntry(const ChartView& view, const SkyFrame& frame, bool fixed, fixe
         above = projectStarFixed(view, lstFixed, ra, dec, u, v);
     } else {
         double ra = 0, dec = 0;
-        j2000ToDate(frame, place ? place[0] : starEntryRaHours(entry), place ? place[1] : starEntryDecDeg(entry), ra, dec);
+        j2000ToDate(frame, place ? place[0] : starEntryRaHours(entry),
+                    place ? place[1] : starEntryDecDeg(entry), ra, dec);
         above = projectStar(view, view.lstHours, ra, dec, u, v);
     }
     if (!above) return false;
@@ -105,8 +110,8 @@ bool projectEntry(const ChartView& view, const SkyFrame& frame, bool fixed, fixe
 
 // The point inside the clip rectangle grown by `margin` pixels on every side.
 bool withinClip(const ChartView& view, ScreenPoint p, int margin) {
-    return p.y >= view.clip.top - margin && p.y <= view.clip.bottom + margin && p.x >= view.clip.left - margin &&
-           p.x <= view.clip.right + margin;
+    return p.y >= view.clip.top - margin && p.y <= view.clip.bottom + margin &&
+           p.x >= view.clip.left - margin && p.x <= view.clip.right + margin;
 }
 
 // Farthest (pixels) a star can have moved between J2000 and the epoch: Barnard's star, the
@@ -156,8 +161,9 @@ double raHalfWidthHours(int zoomLevel, double centreDecDeg) {
     return std::fabs(centreDecDeg) < rule.boundDeg ? rule.halfWidthHours : 24.0;
 }
 
-FieldStarLoad loadFieldStars(const ChartView& view, double magnitudeLimit, bool fastPath, const SkyFrame& frame,
-                             const FieldStarPaint& paint, const StopRequested& stopRequested, double epochYear) {
+FieldStarLoad loadFieldStars(const ChartView& view, double magnitudeLimit, bool fastPath,
+                             const SkyFrame& frame, const FieldStarPaint& paint,
+                             const StopRequested& stopRequested, double epochYear) {
     FieldStarLoad load;
     closeList(0);
     DatabaseSlot& slot = starCatalogSlot();

@@ -60,8 +60,9 @@ struct FieldStarLoad {
 // of the HR and Hipparcos cards take the full-precision place and motion of the star-motion
 // table, those of the deep cards the motion of the card's side file; NaN keeps the catalogue's
 // J2000 places.
-FieldStarLoad loadFieldStars(const ChartView& view, double magnitudeLimit, bool fastPath, const SkyFrame& frame,
-                             const FieldStarPaint& paint, const StopRequested& stopRequested = {},
+FieldStarLoad loadFieldStars(const ChartView& view, double magnitudeLimit, bool fastPath,
+                             const SkyFrame& frame, const FieldStarPaint& paint,
+                             const StopRequested& stopRequested = {},
                              double epochYear = std::numeric_limits<double>::quiet_NaN());
 
 }  // namespace nocturnel

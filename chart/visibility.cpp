@@ -179,13 +179,21 @@ double labelNumber(std::string_view field, int index, double fallback) {
 double clusterMagnification(int typeCode, double sizeArcmin, double apertureMm, double lo, double hi) {
     bool globular = false;
     switch (typeCode) {
-    case 2: case 3: case 4: case 5:  // "GLOCL", "GX+GC", "LMCGC", "SMCGC"
-        globular = true;
-        break;
-    case 6: case 7: case 8: case 9: case 11: case 12:  // "OPNCL", "LMCOC", "SMCOC", "CL+NB", "LMCCN", "SMCCN"
-        break;
-    default:
-        return 0;
+        case 2:
+        case 3:
+        case 4:
+        case 5:  // "GLOCL", "GX+GC", "LMCGC", "SMCGC"
+            globular = true;
+            break;
+        case 6:
+        case 7:
+        case 8:
+        case 9:
+        case 11:
+        case 12:  // "OPNCL", "LMCOC", "SMCOC", "CL+NB", "LMCCN", "SMCCN"
+            break;
+        default:
+            return 0;
     }
     if (!(sizeArcmin > 0) || !(apertureMm > 0) || !(hi >= lo)) return 0;
     double m = kFramedShareOfField * kStandardApparentFieldDeg * 60.0 / sizeArcmin;
@@ -310,8 +318,8 @@ VisibilityEstimate estimateVisibility(const VisibilityTarget& target, const Visi
         // The ratio is the best contrast reserve over the range; a cluster is best looked at
         // with its own rule (the reserve alone, treating it as a disc, always asks the lowest power).
         e.bestMagnification = bestMagnificationFor(c.minMagnification, c.maxMagnification, extendedReserve, best);
-        const double cluster =
-            clusterMagnification(target.typeCode, target.majorArcmin, d, c.minMagnification, c.maxMagnification);
+        const double cluster = clusterMagnification(target.typeCode, target.majorArcmin, d,
+                                                    c.minMagnification, c.maxMagnification);
         if (cluster > 0) e.bestMagnification = cluster;
     } else {
         const double skyNl = nanolambertFromMagArcsec2(skyMag);

@@ -195,7 +195,8 @@ TEST(ClusterMagnification, MonotonicInSizeAndAperture) {
             double previous = 1e9;
             for (double size = 1; size <= 200; size *= 1.3) {
                 const double m = clusterMagnification(type, size, aperture, aperture / 7, aperture * 2);
-                EXPECT_LE(m, previous + 1e-9) << type << " " << aperture << " " << size;  // larger: lower power
+                EXPECT_LE(m, previous + 1e-9)
+                    << type << " " << aperture << " " << size;  // larger: lower power
                 EXPECT_GE(m, aperture / 7 - 1e-9);
                 EXPECT_LE(m, aperture * 2 + 1e-9);
                 previous = m;
@@ -205,7 +206,8 @@ TEST(ClusterMagnification, MonotonicInSizeAndAperture) {
             double previous = 0;
             for (const double aperture : {50.0, 80.0, 150.0, 203.0, 280.0, 457.0, 762.0}) {
                 const double m = clusterMagnification(type, size, aperture, aperture / 7, aperture * 2);
-                EXPECT_GE(m, previous - 1e-9) << type << " " << size << " " << aperture;  // more aperture: more power
+                EXPECT_GE(m, previous - 1e-9)
+                    << type << " " << size << " " << aperture;  // more aperture: more power
                 previous = m;
             }
         }
@@ -262,7 +264,10 @@ namespace {
 // "Experience" index 0 is "Beginner".
 TEST(VisibilityFromPreferences, ListIndexesMapToTheShownEntries) {
     Preferences p{};
-    struct Case { int vision, age, experience; double snellen, years; };
+    struct Case {
+        int vision, age, experience;
+        double snellen, years;
+    };
     const Case cases[] = {{0, 0, 0, 0.2, 15}, {2, 1, 1, 0.4, 25}, {8, 5, 2, 1.0, 65}, {10, 8, 2, 1.2, 95}};
     for (const Case& c : cases) {
         p.visionIndex = c.vision;
@@ -283,8 +288,8 @@ TEST(VisibilityFromPreferences, ListIndexesMapToTheShownEntries) {
     fresh.experience = 1;
     fresh.ageIndex = 1;
     const double averageLimit = prepareVisibility(visibilitySetupFromPreferences(fresh, {})).nakedEyeLimitMag;
-    EXPECT_NEAR(averageLimit - freshLimit, 2.5 * std::log10(25.0) + 0.5 + 5 * std::log10(eyePupilForAge(25) / eyePupilForAge(15)),
-                1e-6);
+    EXPECT_NEAR(averageLimit - freshLimit,
+                2.5 * std::log10(25.0) + 0.5 + 5 * std::log10(eyePupilForAge(25) / eyePupilForAge(15)), 1e-6);
     // Country sky: 2.1 against 6.0.
     EXPECT_LT(freshLimit, 2.5);
     EXPECT_GT(averageLimit, 5.5);

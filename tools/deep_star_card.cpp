@@ -1,8 +1,7 @@
 #include "tools/deep_star_card.h"
 
-#include <cmath>
-
 #include <algorithm>
+#include <cmath>
 
 #include "tools/card_motion_file.h"
 #include "tools/record_io.h"
@@ -68,8 +67,9 @@ bool buildDeepStarCard(const std::vector<std::filesystem::path>& files, size_t k
         const int32_t number = s.hip > 0 ? s.hip : kDeepStarNumberBase + static_cast<int32_t>(i);
         packed.push_back({number, s.raDeg / 15.0, s.decDeg, s.mag, s.bv, true});
         const auto listed = s.hip > 0 ? hipMotions.find(s.hip) : hipMotions.end();
-        motions.emplace(number, listed != hipMotions.end() ? listed->second
-                                                           : ProperMotion{s.pmRaCosDecMasPerYear, s.pmDecMasPerYear});
+        motions.emplace(number, listed != hipMotions.end()
+                                    ? listed->second
+                                    : ProperMotion{s.pmRaCosDecMasPerYear, s.pmDecMasPerYear});
     }
     card.perBlock = starsPerBlockFor(packed.size());
     if (card.perBlock == 0) {

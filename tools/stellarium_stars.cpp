@@ -160,7 +160,7 @@ bool parseStellariumStars(std::string_view bytes, std::vector<StellariumStar>& s
                 const uint64_t high = static_cast<uint64_t>(r[8]) | static_cast<uint64_t>(r[9]) << 8;
                 x0 = signExtend(low & 0xFFFFF, 20);
                 x1 = signExtend((low >> 20) & 0xFFFFF, 20);
-                dx0 = signExtend((low >> 40) & 0x3FFF, 14);                         // bits 40..53
+                dx0 = signExtend((low >> 40) & 0x3FFF, 14);                           // bits 40..53
                 dx1 = signExtend(((low >> 54) | ((high & 0xF) << 10)) & 0x3FFF, 14);  // bits 54..67
                 bvCode = static_cast<int>((high >> 4) & 0x7F);    // bits 68..74
                 magCode = static_cast<int>((high >> 11) & 0x1F);  // bits 75..79

@@ -59,7 +59,8 @@ bool parseTycho2Line(std::string_view line, TychoStar& star, bool& isPrimary, st
         return false;
     }
     if (meanPosition && !isBlank(fields[4]) && !isBlank(fields[5]) &&
-        !(parseNumber(fields[4], star.pmRaCosDecMasPerYear) && parseNumber(fields[5], star.pmDecMasPerYear))) {
+        !(parseNumber(fields[4], star.pmRaCosDecMasPerYear) &&
+          parseNumber(fields[5], star.pmDecMasPerYear))) {
         error = "bad proper motion";
         return false;
     }
