@@ -174,9 +174,9 @@ const PublishedStar kPublished[] = {
     // https://encyclopedia.datana.cloud/content/wikipedia_en_all_mini_2024-04/A/61_Cygni):
     // 21 06 53.9396 +38 44 57.902, pm +4164.209 +3249.614 mas/yr, parallax 285.9949 mas,
     // RV -65.97 km/s. Our source's motion (+4155.1 +3258.9) differs by 13 mas/yr (0.35" by
-    // 2026.9), but its place is 44" short along the motion: Stellarium's record of HIP 104214
-    // holds the place of the Hipparcos epoch 1991.25, not of 2000 (61 Cygni B's, HIP 104217,
-    // is right). That fault of the source is checked as it is, so that a corrected source shows.
+    // 2026.9). Stellarium's record of HIP 104214 holds the place of the Hipparcos epoch 1991.25,
+    // 44" short; the builder finds that and takes d3-celestial's J2000 place (rounded to 0.36"):
+    // 0.8" in all.
     {"61 Cygni A", 104214, hours(21, 6, 53.9396), degrees(1, 38, 44, 57.902), 4164.209, 3249.614, 285.9949,
      -65.97, 45.0},
     // Hipparcos new reduction (van Leeuwen 2007), as listed in the infobox of Wikipedia's

@@ -467,7 +467,7 @@ TEST_F(FieldStarsAtTheirDate, SideFileNotMatchingItsCardMovesNothing) {
 namespace nocturnel {
 namespace {
 
-// The built catalogues (NOCTURNEL_TEST_DATA): Barnard's star and 61 Cygni B on the Hipparcos
+// The built catalogues (NOCTURNEL_TEST_DATA): Barnard's star and 61 Cygni A and B on the Hipparcos
 // 110K card and on the "Tycho 390K" card (with its side file), at zoom 11 on a night of 2026,
 // where ERFA puts their published places (Gaia DR3, as the infoboxes of Wikipedia's "Barnard's
 // Star" and "61 Cygni" list them) moved by their space motion.
@@ -499,6 +499,8 @@ TEST_F(FieldStarsOfTheBuiltCards, FastStarsWhereErfaPutsThemAtZoom11) {
     const PublishedFastStar stars[] = {
         {"Barnard's star", 87937, 17 + 57 / 60.0 + 48.49847 / 3600, 4 + 41 / 60.0 + 36.1139 / 3600, -801.551,
          10362.394, 546.9759, -110.47},
+        {"61 Cygni A", 104214, 21 + 6 / 60.0 + 53.9396 / 3600, 38 + 44 / 60.0 + 57.902 / 3600, 4164.209, 3249.614,
+         285.9949, -65.97},
         {"61 Cygni B", 104217, 21 + 6 / 60.0 + 55.2638 / 3600, 38 + 44 / 60.0 + 31.359 / 3600, 4105.976,
          3155.942, 286.0054, -64.59},
     };
@@ -532,8 +534,10 @@ TEST_F(FieldStarsOfTheBuiltCards, FastStarsWhereErfaPutsThemAtZoom11) {
                 if (readStarBySequence(entry.sequence, position) != s.hip) continue;
                 found = true;
                 // Our sources' motions differ from Gaia's by up to 85 mas/yr (Barnard's star: 3"
-                // by this night, half a pixel), and the fixed-point path rounds to a pixel: 2 pixels.
-                EXPECT_LE(std::hypot(entry.x - expected.x, entry.y - expected.y), 2.0)
+                // by this night, half a pixel); the deep card's packed place is rounded to the
+                // nearest second of RA (up to 7.5", 1.3 pixels); the projection rounds to a
+                // pixel: 2.5 pixels.
+                EXPECT_LE(std::hypot(entry.x - expected.x, entry.y - expected.y), 2.5)
                     << s.name << " level " << level;
             }
             EXPECT_TRUE(found) << s.name << " level " << level;

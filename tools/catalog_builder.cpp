@@ -221,13 +221,14 @@ bool writeMilkyWay(FileWriter& writer, const fs::path& d3Data) {
 
 // The "Tycho 390K" card from Stellarium's star catalogue (without a Tycho-2 file); skipped
 // when the sources lack the star files.
-bool writeDeepStarCard(FileWriter& writer, const fs::path& starsFolder, bool& written) {
+bool writeDeepStarCard(FileWriter& writer, const fs::path& starsFolder, const StarSources& sources, bool& written) {
     written = false;
     const std::vector<fs::path> files = stellariumStarFiles(starsFolder);
     if (files.empty()) return true;
     DeepStarCard card;
     std::string error;
-    if (!buildDeepStarCard(files, kDeepStarCardStars, card, error)) return malformed(starsFolder, error);
+    if (!buildDeepStarCard(files, kDeepStarCardStars, card, error, referencePlacesOf(sources)))
+        return malformed(starsFolder, error);
     written = true;
     return writer.writeBlocks("nocturnel_tycho_390k.ppc", card.blocks, card.perBlock) &&
            writer.writeLaidOut(cardMotionFileName("nocturnel_tycho_390k.ppc"),
@@ -243,7 +244,8 @@ bool writeStarMotion(FileWriter& writer, const fs::path& starsFolder, const Star
     if (files.empty() || !fs::exists(starsFolder / "hip_pm.dat")) return true;
     std::vector<StarMotionRecord> records;
     std::string error;
-    if (!buildStarMotionRecords(files, hrByHipOf(sources), records, error)) return malformed(starsFolder, error);
+    if (!buildStarMotionRecords(files, hrByHipOf(sources), records, error, referencePlacesOf(sources)))
+        return malformed(starsFolder, error);
     written = true;
     return writer.write(kStarMotionFile, kStarMotionFileVersion, records);
 }
@@ -442,7 +444,7 @@ int buildCatalogues(const BuildOptions& options, BuildReport* reportOut) {
         writer.write("nocturnel_eyepiece.ppc", 1, eyepieceRecords()) && writeMilkyWay(writer, paths.d3) &&
         writer.write(kNameFile, kNameFileVersion, buildNameRecords(objectFiles, stars.names)) &&
         writePlanetSeriesFile(options.sourcesFolder, stage, report) &&
-        (options.tycho2File.empty() ? writeDeepStarCard(writer, paths.stellariumStars, deepStars)
+        (options.tycho2File.empty() ? writeDeepStarCard(writer, paths.stellariumStars, stars, deepStars)
                                     : writeTycho(writer, options.tycho2File)) &&
         writeStarMotion(writer, paths.stellariumStars, stars, starMotion);
     if (!written) return 1;

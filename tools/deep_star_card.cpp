@@ -29,7 +29,7 @@ std::vector<std::filesystem::path> stellariumStarFiles(const std::filesystem::pa
 }
 
 bool buildDeepStarCard(const std::vector<std::filesystem::path>& files, size_t keep, DeepStarCard& card,
-                       std::string& error) {
+                       std::string& error, const std::map<int32_t, ReferencePlace>& reference) {
     std::vector<StellariumStar> stars;
     for (const auto& file : files) {
         std::string bytes;
@@ -58,6 +58,7 @@ bool buildDeepStarCard(const std::vector<std::filesystem::path>& files, size_t k
         error = "hip_pm.dat: " + hipError;
         return false;
     }
+    if (!reference.empty()) correctEpoch1991Places(stars, hipMotions, reference);
     std::vector<StarToPack> packed;
     std::unordered_map<int32_t, ProperMotion> motions;
     packed.reserve(stars.size());

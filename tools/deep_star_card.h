@@ -13,6 +13,7 @@
 
 #include "catalog/card_star_motion.h"
 #include "catalog/formats.h"
+#include "tools/star_motion_file.h"
 
 namespace nocturnel {
 
@@ -34,8 +35,9 @@ struct DeepStarCard {
     std::vector<CardStarMotion> motions;
 };
 
-// Reads the files and packs the brightest `keep` stars; false with the fault in `error`.
+// Reads the files and packs the brightest `keep` stars; false with the fault in `error`. The
+// Hipparcos stars' places are checked against `reference` (correctEpoch1991Places) when given.
 bool buildDeepStarCard(const std::vector<std::filesystem::path>& files, size_t keep, DeepStarCard& card,
-                       std::string& error);
+                       std::string& error, const std::map<int32_t, ReferencePlace>& reference = {});
 
 }  // namespace nocturnel
