@@ -221,7 +221,8 @@ bool writeMilkyWay(FileWriter& writer, const fs::path& d3Data) {
 
 // The "Tycho 390K" card from Stellarium's star catalogue (without a Tycho-2 file); skipped
 // when the sources lack the star files.
-bool writeDeepStarCard(FileWriter& writer, const fs::path& starsFolder, const StarSources& sources, bool& written) {
+bool writeDeepStarCard(FileWriter& writer, const fs::path& starsFolder, const StarSources& sources,
+                       bool& written) {
     written = false;
     const std::vector<fs::path> files = stellariumStarFiles(starsFolder);
     if (files.empty()) return true;

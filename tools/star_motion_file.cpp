@@ -86,8 +86,13 @@ int correctEpoch1991Places(std::vector<StellariumStar>& stars, const std::map<in
         const auto ref = s.hip > 0 ? reference.find(s.hip) : reference.end();
         const auto pm = s.hip > 0 ? motions.find(s.hip) : motions.end();
         if (ref == reference.end() || pm == motions.end()) continue;
-        if (separationArcsec(s.raDeg, s.decDeg, ref->second.raDeg, ref->second.decDeg) <= kOffArcsec) continue;
-        const StarMotionEntry at1991{s.hip, 0, s.raDeg, s.decDeg, static_cast<float>(pm->second.raCosDecMasPerYear),
+        if (separationArcsec(s.raDeg, s.decDeg, ref->second.raDeg, ref->second.decDeg) <= kOffArcsec)
+            continue;
+        const StarMotionEntry at1991{s.hip,
+                                     0,
+                                     s.raDeg,
+                                     s.decDeg,
+                                     static_cast<float>(pm->second.raCosDecMasPerYear),
                                      static_cast<float>(pm->second.decMasPerYear)};
         // From 1991.25 to 2000: the motion applied over 8.75 years, as from 2000 to 2008.75.
         double raHours = 0, decDeg = 0;
@@ -114,9 +119,9 @@ std::map<int32_t, int32_t> hrByHipOf(const StarSources& sources) {
     return hrByHip;
 }
 
-bool buildStarMotionRecords(const std::vector<std::filesystem::path>& files, const std::map<int32_t, int32_t>& hrByHip,
-                            std::vector<StarMotionRecord>& records, std::string& error,
-                            const std::map<int32_t, ReferencePlace>& reference) {
+bool buildStarMotionRecords(const std::vector<std::filesystem::path>& files,
+                            const std::map<int32_t, int32_t>& hrByHip, std::vector<StarMotionRecord>& records,
+                            std::string& error, const std::map<int32_t, ReferencePlace>& reference) {
     if (files.empty()) {
         error = "no star files";
         return false;

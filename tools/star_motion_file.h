@@ -54,9 +54,9 @@ std::map<int32_t, int32_t> hrByHipOf(const StarSources& sources);
 // Reads the 28-byte record files among `files` (stars_0 .. stars_2) and hip_pm.dat beside
 // them, and builds the records; false with the fault in `error`.
 // The places are checked against `reference` (correctEpoch1991Places) when it is not empty.
-bool buildStarMotionRecords(const std::vector<std::filesystem::path>& files, const std::map<int32_t, int32_t>& hrByHip,
-                            std::vector<StarMotionRecord>& records, std::string& error,
-                            const std::map<int32_t, ReferencePlace>& reference = {});
+bool buildStarMotionRecords(const std::vector<std::filesystem::path>& files,
+                            const std::map<int32_t, int32_t>& hrByHip, std::vector<StarMotionRecord>& records,
+                            std::string& error, const std::map<int32_t, ReferencePlace>& reference = {});
 
 // The written file: header, record size, entries in ascending HIP order, places and motions
 // in range (no star faster than 11"/yr: Barnard's star, the fastest, moves 10.4"/yr).
