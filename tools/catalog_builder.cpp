@@ -291,20 +291,16 @@ std::string sourcesText(const SourcePaths& paths, const StellariumCatalogue& dso
         "wide fields of 68 and 82 degrees; common focal lengths).\n"
         "  -> nocturnel_eyepiece.ppc.\n";
     if (deepStars)
-        text +=
-            "\nStellarium star catalogue, Debian package stellarium-data "
-            "(usr/share/stellarium/stars/default/\n"
-            "stars_0 .. stars_3 *.cat: Hipparcos, Tycho-2 and NOMAD stars to about magnitude 10.5), GPL-2+.\n"
-            "  -> nocturnel_tycho_390k.ppc (all of them, about 600,000; no Tycho numbers, see the README)\n"
-            "     and its proper motions nocturnel_tycho_390k_pm.ppc;\n"
-            "     nocturnel_star_motion.ppc (the Hipparcos stars' full-precision J2000 places from the\n"
-            "     records of stars_0 .. stars_2, their proper motions from stars/default/hip_pm.dat).\n";
+        text += "\nStellarium star catalogue, Debian package stellarium-data (usr/share/stellarium/stars/default/\n"
+                "stars_0 .. stars_3 *.cat: Hipparcos, Tycho-2 and NOMAD stars to about magnitude 10.5), GPL-2+.\n"
+                "  -> nocturnel_tycho_390k.ppc (all of them, about 600,000; no Tycho numbers, see the README)\n"
+                "     and its proper motions nocturnel_tycho_390k_pm.ppc;\n"
+                "     nocturnel_star_motion.ppc (the Hipparcos stars' full-precision J2000 places from the\n"
+                "     records of stars_0 .. stars_2, their proper motions from stars/default/hip_pm.dat).\n";
     if (tycho)
-        text +=
-            "\nTycho-2 main catalogue (Hog et al. 2000, CDS I/259, tyc2.dat), supplied by the user.\n"
-            "  -> nocturnel_tycho_390k.ppc, nocturnel_tycho_2500k.ppc, nocturnel_tycho_idx.ppc and the "
-            "proper\n"
-            "     motions nocturnel_tycho_390k_pm.ppc, nocturnel_tycho_2500k_pm.ppc.\n";
+        text += "\nTycho-2 main catalogue (Hog et al. 2000, CDS I/259, tyc2.dat), supplied by the user.\n"
+                "  -> nocturnel_tycho_390k.ppc, nocturnel_tycho_2500k.ppc, nocturnel_tycho_idx.ppc and the proper\n"
+                "     motions nocturnel_tycho_390k_pm.ppc, nocturnel_tycho_2500k_pm.ppc.\n";
     return text;
 }
 
@@ -312,39 +308,28 @@ bool checkAll(const fs::path& out, bool tycho, bool deepStars, bool starMotion) 
     std::string error;
     const StarFileRules plain{42, 0, 0};
     return check(checkDefaultStars(out / "nocturnel_default_stars.ppc", error), error) &&
-           check(checkStarBlockFile(out / "nocturnel_hr.ppc", {42, kHrSlotsMin, kHrSlotsMax}, error),
-                 error) &&
+           check(checkStarBlockFile(out / "nocturnel_hr.ppc", {42, kHrSlotsMin, kHrSlotsMax}, error), error) &&
            check(checkNumberIndex(out / "nocturnel_hr_idx.ppc", out / "nocturnel_hr.ppc", error), error) &&
            check(checkStarBlockFile(out / "nocturnel_hip_16k.ppc", plain, error), error) &&
            check(checkStarBlockFile(out / "nocturnel_hip_32k.ppc", plain, error), error) &&
            check(checkStarBlockFile(out / "nocturnel_hip_64k.ppc", plain, error), error) &&
-           check(checkStarBlockFile(out / "nocturnel_hip_110k.ppc", {42, kHipSlotsMin, kHipSlotsMax}, error),
-                 error) &&
-           check(checkNumberIndex(out / "nocturnel_hip_110k_idx.ppc", out / "nocturnel_hip_110k.ppc", error),
-                 error) &&
+           check(checkStarBlockFile(out / "nocturnel_hip_110k.ppc", {42, kHipSlotsMin, kHipSlotsMax}, error), error) &&
+           check(checkNumberIndex(out / "nocturnel_hip_110k_idx.ppc", out / "nocturnel_hip_110k.ppc", error), error) &&
            check(checkBrightStarNames(out / "nocturnel_brightstar.ppc", error), error) &&
-           check(checkObjectFiles(out / "nocturnel_obj_18k.ppc", out / "nocturnel_obj_18k_idx.ppc", true,
-                                  error),
-                 error) &&
-           check(checkDescriptions(out / "nocturnel_obj_18k_desc.ppc", out / "nocturnel_obj_18k.ppc", error),
-                 error) &&
-           check(
-               checkObjectFiles(out / "nocturnel_obj_1k.ppc", out / "nocturnel_obj_1k_idx.ppc", false, error),
-               error) &&
+           check(checkObjectFiles(out / "nocturnel_obj_18k.ppc", out / "nocturnel_obj_18k_idx.ppc", true, error), error) &&
+           check(checkDescriptions(out / "nocturnel_obj_18k_desc.ppc", out / "nocturnel_obj_18k.ppc", error), error) &&
+           check(checkObjectFiles(out / "nocturnel_obj_1k.ppc", out / "nocturnel_obj_1k_idx.ppc", false, error), error) &&
            check(checkConstellations(out, error), error) &&
            check(checkEyepieceFile(out / "nocturnel_eyepiece.ppc", error), error) &&
-           (!deepStars ||
-            check(checkStarBlockFile(out / "nocturnel_tycho_390k.ppc", {0, 0, 0}, error), error)) &&
+           (!deepStars || check(checkStarBlockFile(out / "nocturnel_tycho_390k.ppc", {0, 0, 0}, error), error)) &&
            (!(deepStars || tycho) ||
             check(checkCardMotionFile(out / "nocturnel_tycho_390k.ppc",
                                       out / cardMotionFileName("nocturnel_tycho_390k.ppc"), error),
                   error)) &&
            (!starMotion || check(checkStarMotionFile(out / kStarMotionFile, error), error)) &&
-           (!tycho ||
-            (check(checkStarBlockFile(out / "nocturnel_tycho_390k.ppc", {0, 0, 0}, error), error) &&
-             check(checkStarBlockFile(out / "nocturnel_tycho_2500k.ppc", {0, 0, 0}, error), error) &&
-             check(checkTychoIndex(out / "nocturnel_tycho_idx.ppc", out / "nocturnel_tycho_2500k.ppc", error),
-                   error)));
+           (!tycho || (check(checkStarBlockFile(out / "nocturnel_tycho_390k.ppc", {0, 0, 0}, error), error) &&
+                       check(checkStarBlockFile(out / "nocturnel_tycho_2500k.ppc", {0, 0, 0}, error), error) &&
+                       check(checkTychoIndex(out / "nocturnel_tycho_idx.ppc", out / "nocturnel_tycho_2500k.ppc", error), error)));
 }
 }  // namespace
 

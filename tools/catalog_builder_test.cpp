@@ -1,7 +1,5 @@
 // The builder end to end on small sources in the real formats: files, values, invariants,
 // determinism, the report, and loud failure on every malformed or missing source.
-#include "tools/catalog_builder.h"
-
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -13,6 +11,7 @@
 #include "catalog/object_tables.h"
 #include "settings/message.h"
 #include "tools/builder_test_sources.h"
+#include "tools/catalog_builder.h"
 #include "tools/object_files.h"
 #include "tools/star_packing.h"
 #include "tools/test_support.h"
@@ -264,8 +263,8 @@ TEST(CatalogBuilder, SameSourcesGiveByteIdenticalFiles) {
         EXPECT_TRUE(a == b) << entry.path().filename();
         ++compared;
     }
-    EXPECT_EQ(compared,
-              26u);  // 19 record files, 3 Tycho files and 2 motion files, the planet series and SOURCES
+    // 19 record files, 3 Tycho files and their 2 motion files, the planet series and SOURCES.
+    EXPECT_EQ(compared, 26u);
 }
 
 TEST(CatalogBuilder, Tycho2FilesFromTheCatalogueFormat) {
