@@ -7,6 +7,7 @@
 #include <map>
 #include <string>
 
+#include "catalog/card_star_motion.h"
 #include "catalog/catalogues.h"
 #include "catalog/constellations.h"
 #include "catalog/name_index.h"
@@ -79,9 +80,11 @@ std::string designation(int catalogCode, int32_t number) {
 bool findStar(const ObjectNameQuery& query, FoundObject& out) {
     StarEntry star;
     bool found = false;
+    uint32_t tychoBlock = 0;
+    int tychoEntry = 0;
     if (query.catalogCode == kCatalogTycho) {
         const int level = fileExists(kStarCatalogFiles[6]) || !fileExists(kStarCatalogFiles[5]) ? 6 : 5;
-        found = ensureStarLevel(level) && findTychoEntry(query.number, star);
+        found = ensureStarLevel(level) && findTychoEntry(query.number, star, tychoBlock, tychoEntry);
     } else {
         found = ensureStarLevel(query.catalogCode == kCatalogHR ? kHrLevel : kHipLevel) &&
                 findStarEntryByNumber(query.number, star);
@@ -111,6 +114,12 @@ bool findStar(const ObjectNameQuery& query, FoundObject& out) {
     if ((query.catalogCode == kCatalogHipparcos && findStarMotion(query.number, motion)) ||
         (query.catalogCode == kCatalogHR && findStarMotionByHr(query.number, motion)))
         starPlaceAtEpoch(motion, observingEpoch(), out.raHours, out.decDeg);
+    // A Tycho star moves by the motion of the card's side file, from its packed place.
+    CardStarMotion cardMotion;
+    if (query.catalogCode == kCatalogTycho && cardMotionReader().prepare() &&
+        cardMotionReader().motionOf(tychoBlock, tychoEntry, query.number, cardMotion))
+        movePlaceToEpoch(out.raHours, out.decDeg, cardMotion.pmRaCosDecMasPerYear, cardMotion.pmDecMasPerYear,
+                         observingEpoch(), out.raHours, out.decDeg);
     out.constellation = constellationOf(out.raHours, out.decDeg);
     return true;
 }

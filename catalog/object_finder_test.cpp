@@ -6,10 +6,12 @@
 #include <numbers>
 #include <vector>
 
+#include "catalog/card_star_motion.h"
 #include "catalog/catalog_test_support.h"
 #include "catalog/object_index_key.h"
 #include "catalog/object_tables.h"
 #include "settings/message.h"
+#include "settings/preferences.h"
 
 namespace nocturnel {
 namespace {
@@ -91,6 +93,40 @@ TEST_F(FinderTest, TychoStarsFromTheSmallerTychoFile) {
     EXPECT_EQ(found.name, "TYC3105-2070-1");
     EXPECT_EQ(found.number, 310502070);
     EXPECT_NEAR(found.decDeg, 38 + 43 / 60.0, 1e-6);
+}
+
+TEST_F(FinderTest, TychoStarsMoveByTheirCardsSideFile) {
+    std::vector<StarEntry> entries(42, starEntry(0, 0, 0, 0, -90, 0, 0, 15.9));
+    for (int k = 0; k < 42; ++k)
+        entries.push_back(starEntry(310500000 + 2050 + k, 18, 36, 56, 38, 40 + k / 6, 0));
+    test::writeStarBlocks("nocturnel_tycho_390k.ppc", entries, 42);
+    std::vector<TychoRegionRecord> regions(3106, TychoRegionRecord{0, 0});
+    regions[3105] = {38.5f, 39.0f};
+    test::writeRecords("nocturnel_tycho_idx.ppc", regions);
+    // Record 1, entry 20 is TYC 3105-2070-1: 1"/yr north.
+    std::vector<CardStarMotion> motions(84, CardStarMotion{0, 0, 0});
+    motions[42 + 20] = {310502070, 0.0f, 1000.0f};
+    std::vector<uint8_t> bytes = test::header(kCardMotionFileVersion, 2, 42 * sizeof(CardStarMotion));
+    const auto* raw = reinterpret_cast<const uint8_t*>(motions.data());
+    bytes.insert(bytes.end(), raw, raw + motions.size() * sizeof(CardStarMotion));
+    test::writeBytes("nocturnel_tycho_390k_pm.ppc", bytes);
+    const Preferences saved = prefs();
+    prefs().utcOffsetMin = 0;
+    struct Case {
+        ObservingMoment moment;
+        double northArcsec;
+    };
+    const Case cases[] = {{{2000, 1, 1, 12, 0, 0}, 0.0}, {{2100, 1, 1, 12, 0, 0}, 100.0}};
+    for (const Case& c : cases) {
+        prefs().moment = c.moment;
+        FoundObject found;
+        ASSERT_TRUE(findObjectByName("TYC 3105-2070-1", found));
+        EXPECT_NEAR(found.decDeg, 38 + 43 / 60.0 + c.northArcsec / 3600, 0.01 / 3600) << c.moment.year;
+        // Its neighbour has no motion in the file.
+        ASSERT_TRUE(findObjectByName("TYC 3105-2071-1", found));
+        EXPECT_NEAR(found.decDeg, 38 + 43 / 60.0, 1e-6) << c.moment.year;
+    }
+    prefs() = saved;
 }
 
 TEST_F(FinderTest, DeepSkyObjectsThroughTheIndex) {

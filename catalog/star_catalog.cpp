@@ -212,6 +212,12 @@ bool findTychoStar(int32_t number, StarPosition& out) {
 }
 
 bool findTychoEntry(int32_t number, StarEntry& out) {
+    uint32_t block = 0;
+    int entryIndex = 0;
+    return findTychoEntry(number, out, block, entryIndex);
+}
+
+bool findTychoEntry(int32_t number, StarEntry& out, uint32_t& foundBlock, int& entryIndex) {
     if (number < 0) return false;
     const int32_t region = number / 100000;
 
@@ -245,6 +251,8 @@ bool findTychoEntry(int32_t number, StarEntry& out) {
             const StarEntry entry = entryAt(entries, k);
             if (entry.number == number) {
                 out = entry;
+                foundBlock = static_cast<uint32_t>(block);
+                entryIndex = k;
                 return true;
             }
         }

@@ -40,6 +40,8 @@ bool findTychoStar(int32_t number, StarPosition& out);
 // The same lookups handing out the packed entry (for the floating-point decoding).
 bool findStarEntryByNumber(int32_t number, StarEntry& out);
 bool findTychoEntry(int32_t number, StarEntry& out);
+// The same, also handing out where the entry stands in the card (block, entry in the block).
+bool findTychoEntry(int32_t number, StarEntry& out, uint32_t& block, int& entryIndex);
 
 // Number of stars in the open optional catalogue (records x stars per block).
 uint32_t starCatalogStarCount();

@@ -15,8 +15,8 @@ namespace nocturnel {
 namespace {
 
 struct MotionTable {
-    std::string path;                     // the file it was read from; empty: not read yet
-    std::vector<StarMotionEntry> byHip;   // sorted by HIP
+    std::string folder;  // the program folder it was read for; empty: not read yet
+    std::shared_ptr<const StarMotionTable> table = std::make_shared<const StarMotionTable>();
 };
 
 std::mutex gMotionMutex;
@@ -47,10 +47,40 @@ std::vector<StarMotionEntry> readMotionFile() {
     return entries;
 }
 
-const MotionTable& motionTable() {
-    const std::string path = dataPath(kStarMotionFile).string();
-    if (gMotion.path != path) gMotion = MotionTable{path, readMotionFile()};
-    return gMotion;
+std::shared_ptr<const StarMotionTable> tableOf(std::vector<StarMotionEntry> entries) {
+    auto table = std::make_shared<StarMotionTable>();
+    table->byHip = std::move(entries);
+    for (size_t i = 0; i < table->byHip.size(); ++i)
+        if (table->byHip[i].hr > 0) table->hrOrder.push_back(static_cast<int32_t>(i));
+    std::stable_sort(table->hrOrder.begin(), table->hrOrder.end(),
+                     [&](int32_t a, int32_t b) { return table->byHip[a].hr < table->byHip[b].hr; });
+    return table;
+}
+
+// The table of the current data folder; the caller holds gMotionMutex. The folder is compared
+// as it stands (no path built): a chart asks once for each of its bright stars.
+std::shared_ptr<const StarMotionTable> currentTable() {
+    const std::string& folder = programFolder().native();
+    if (gMotion.folder.empty() || gMotion.folder != folder)
+        gMotion = MotionTable{folder, tableOf(readMotionFile())};
+    return gMotion.table;
+}
+
+const StarMotionEntry* lookupHip(const StarMotionTable& t, int32_t hip) {
+    if (hip <= 0) return nullptr;
+    const auto it = std::lower_bound(t.byHip.begin(), t.byHip.end(), hip,
+                                     [](const StarMotionEntry& e, int32_t n) { return e.hip < n; });
+    return it == t.byHip.end() || it->hip != hip ? nullptr : &*it;
+}
+
+const StarMotionEntry* lookupHr(const StarMotionTable& t, int32_t hr) {
+    if (hr <= 0) return nullptr;
+    const auto it = std::lower_bound(t.hrOrder.begin(), t.hrOrder.end(), hr, [&](int32_t i, int32_t n) {
+        return t.byHip[static_cast<size_t>(i)].hr < n;
+    });
+    return it == t.hrOrder.end() || t.byHip[static_cast<size_t>(*it)].hr != hr
+               ? nullptr
+               : &t.byHip[static_cast<size_t>(*it)];
 }
 
 int64_t daysFromCivil(int64_t y, int64_t m, int64_t d) {
@@ -64,33 +94,43 @@ int64_t daysFromCivil(int64_t y, int64_t m, int64_t d) {
 
 }  // namespace
 
+StarMotionLookup::StarMotionLookup() {
+    std::lock_guard<std::mutex> lock(gMotionMutex);
+    table_ = currentTable();
+}
+
+const StarMotionEntry* StarMotionLookup::byHip(int32_t hip) const {
+    return lookupHip(*table_, hip);
+}
+const StarMotionEntry* StarMotionLookup::byHr(int32_t hr) const {
+    return lookupHr(*table_, hr);
+}
+
 bool findStarMotion(int32_t hip, StarMotionEntry& out) {
     if (hip <= 0) return false;
-    std::lock_guard<std::mutex> lock(gMotionMutex);
-    const auto& table = motionTable().byHip;
-    const auto it = std::lower_bound(table.begin(), table.end(), hip,
-                                     [](const StarMotionEntry& e, int32_t n) { return e.hip < n; });
-    if (it == table.end() || it->hip != hip) return false;
-    out = *it;
-    return true;
+    const StarMotionEntry* e = StarMotionLookup().byHip(hip);
+    if (e) out = *e;
+    return e != nullptr;
 }
 
 bool findStarMotionByHr(int32_t hr, StarMotionEntry& out) {
     if (hr <= 0) return false;
-    std::lock_guard<std::mutex> lock(gMotionMutex);
-    for (const StarMotionEntry& e : motionTable().byHip)
-        if (e.hr == hr) {
-            out = e;
-            return true;
-        }
-    return false;
+    const StarMotionEntry* e = StarMotionLookup().byHr(hr);
+    if (e) out = *e;
+    return e != nullptr;
 }
 
 void starPlaceAtEpoch(const StarMotionEntry& star, double epochYear, double& raHours, double& decDeg) {
+    movePlaceToEpoch(star.raDeg / 15.0, star.decDeg, star.pmRaCosDecMasPerYear, star.pmDecMasPerYear,
+                     epochYear, raHours, decDeg);
+}
+
+void movePlaceToEpoch(double raHoursJ2000, double decDegJ2000, double pmRaCosDec, double pmDec,
+                      double epochYear, double& raHours, double& decDeg) {
     constexpr double kDegToRad = M_PI / 180, kMasToRad = M_PI / (180.0 * 3600.0 * 1000.0);
-    const double ra = star.raDeg * kDegToRad, dec = star.decDeg * kDegToRad;
+    const double ra = raHoursJ2000 * 15.0 * kDegToRad, dec = decDegJ2000 * kDegToRad;
     const double years = std::isfinite(epochYear) ? epochYear - 2000.0 : 0.0;
-    const double east = star.pmRaCosDecMasPerYear * kMasToRad * years, north = star.pmDecMasPerYear * kMasToRad * years;
+    const double east = pmRaCosDec * kMasToRad * years, north = pmDec * kMasToRad * years;
     const double p[3] = {std::cos(dec) * std::cos(ra) - east * std::sin(ra) - north * std::sin(dec) * std::cos(ra),
                          std::cos(dec) * std::sin(ra) + east * std::cos(ra) - north * std::sin(dec) * std::sin(ra),
                          std::sin(dec) + north * std::cos(dec)};

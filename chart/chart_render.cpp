@@ -148,7 +148,7 @@ ChartSurface renderChart(const ChartRequest& request, ChartResult& result) {
     result.fieldStars = loadFieldStars(
         view, starMagnitudeLimit(view.zoomLevel), true, frame,
         [&](int step, int colour, int x, int y) { painter.paintStar(surface.get(), view.zoomLevel, step, colour, x, y); },
-        request.stopRequested);
+        request.stopRequested, epoch);
     cairo_surface_mark_dirty(surface.get());
 
     drawSolarSystem(ctx, result.jdUt);

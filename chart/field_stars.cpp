@@ -3,9 +3,12 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <optional>
 
+#include "catalog/card_star_motion.h"
 #include "catalog/catalogues.h"
 #include "catalog/star_catalog.h"
+#include "catalog/star_motion.h"
 #include "settings/message.h"
 
 namespace nocturnel {
@@ -24,6 +27,103 @@ constexpr std::array<HalfWidthRule, kZoomLevelCount> kHalfWidthRules = {{
 }};
 
 constexpr double kHoursToRad = M_PI / 12;
+
+// Where each star of the open card stands at an epoch: the HR card's and the Hipparcos cards'
+// stars take the star-motion table's full-precision place and motion (binary search on their
+// number), the deep cards' stars the motion of the card's side file (the parallel record).
+class FieldStarMotion {
+public:
+    explicit FieldStarMotion(double epochYear) : epoch_(epochYear) {
+        if (!std::isfinite(epoch_)) return;
+        const int level = starCatalogLevel();
+        if (level >= kFirstDeepCardLevel) {
+            source_ = cardMotionReader().prepare() ? Source::Card : Source::None;
+        } else if (level >= 0) {
+            table_.emplace();
+            source_ = table_->empty() ? Source::None : level == 0 ? Source::Hr : Source::Hip;
+        }
+    }
+    // Moves (raHours, decDeg), the entry's J2000 place, to the epoch; false when no motion is known.
+    bool move(const StarEntry& entry, uint32_t block, int k, double& raHours, double& decDeg) const {
+        switch (source_) {
+            case Source::None:
+                return false;
+            case Source::Card: {
+                CardStarMotion m;
+                if (!cardMotionReader().motionOf(block, k, entry.number, m)) return false;
+                movePlaceToEpoch(raHours, decDeg, m.pmRaCosDecMasPerYear, m.pmDecMasPerYear, epoch_, raHours,
+                                 decDeg);
+                return true;
+            }
+            case Source::Hip:
+            case Source::Hr: {
+                const StarMotionEntry* e =
+                    source_ == Source::Hip ? table_->byHip(entry.number) : table_->byHr(entry.number);
+                if (!e) return false;
+                starPlaceAtEpoch(*e, epoch_, raHours, decDeg);
+                return true;
+            }
+        }
+        return false;
+    }
+    bool active() const { return source_ != Source::None; }
+
+private:
+    static constexpr int kFirstDeepCardLevel = 5;  // "Tycho 390K" and "Tycho 2.5 Million"
+    enum class Source { None, Hr, Hip, Card };
+    double epoch_;
+    Source source_ = Source::None;
+    std::optional<StarMotionLookup> table_;
+};
+
+fixed24 radiansFixed(double radians) {
+    return static_cast<fixed24>(std::lround(radians * kFixed24One));
+}
+
+// The screen point of an entry (its packed J2000 place, or `place`: RA hours and Dec degrees),
+// panorama x wrapped; false below the horizon.
+bool projectEntry(const ChartView& view, const SkyFrame& frame, bool fixed, fixed24 lstFixed,
+                  const StarEntry& entry, const double* place, ScreenPoint& point) {
+    int32_t u = 0, v = 0;
+    bool above = false;
+    if (fixed) {
+        StarPosition position;
+        decodeStarEntry(entry, position);
+        if (place) {
+            position.ra = radiansFixed(place[0] * kHoursToRad);
+            position.dec = radiansFixed(place[1] * M_PI / 180);
+        }
+        fixed24 ra = 0, dec = 0;
+        j2000ToDateFixed(frame, position.ra, position.dec, ra, dec);
+        above = projectStarFixed(view, lstFixed, ra, dec, u, v);
+    } else {
+        double ra = 0, dec = 0;
+        j2000ToDate(frame, place ? place[0] : starEntryRaHours(entry),
+                    place ? place[1] : starEntryDecDeg(entry), ra, dec);
+        above = projectStar(view, view.lstHours, ra, dec, u, v);
+    }
+    if (!above) return false;
+    point = chartToScreen(view, u, v);
+    point.x = wrapPanoramaX(view, point.x);
+    return true;
+}
+
+// The point inside the clip rectangle grown by `margin` pixels on every side.
+bool withinClip(const ChartView& view, ScreenPoint p, int margin) {
+    return p.y >= view.clip.top - margin && p.y <= view.clip.bottom + margin &&
+           p.x >= view.clip.left - margin && p.x <= view.clip.right + margin;
+}
+
+// Farthest (pixels) a star can have moved between J2000 and the epoch: Barnard's star, the
+// fastest, 10.4"/yr, on the scale of the zoom level's field across the chart's smaller side,
+// doubled for the stretch of the projection towards the edges, plus a pixel.
+constexpr double kFastestStarArcsecPerYear = 10.4;
+int motionMarginPixels(const ChartView& view, double epochYear) {
+    if (!std::isfinite(epochYear)) return 0;
+    const double shiftDeg = kFastestStarArcsecPerYear * std::fabs(epochYear - 2000.0) / 3600.0;
+    const double pixelsPerDeg = std::min(view.width, view.height) / fieldOfViewDeg(view.zoomLevel);
+    return static_cast<int>(std::ceil(2.0 * shiftDeg * pixelsPerDeg)) + 1;
+}
 
 void closeList(int listed) {
     auto& list = visibleFieldStars();
@@ -61,8 +161,9 @@ double raHalfWidthHours(int zoomLevel, double centreDecDeg) {
     return std::fabs(centreDecDeg) < rule.boundDeg ? rule.halfWidthHours : 24.0;
 }
 
-FieldStarLoad loadFieldStars(const ChartView& view, double magnitudeLimit, bool fastPath, const SkyFrame& frame,
-                             const FieldStarPaint& paint, const StopRequested& stopRequested) {
+FieldStarLoad loadFieldStars(const ChartView& view, double magnitudeLimit, bool fastPath,
+                             const SkyFrame& frame, const FieldStarPaint& paint,
+                             const StopRequested& stopRequested, double epochYear) {
     FieldStarLoad load;
     closeList(0);
     DatabaseSlot& slot = starCatalogSlot();
@@ -108,6 +209,8 @@ FieldStarLoad loadFieldStars(const ChartView& view, double magnitudeLimit, bool 
     const bool fixed = fastPath && view.zoomLevel <= kLastFixedPathZoom;
     const fixed24 lstFixed = static_cast<fixed24>(std::lround(view.lstHours * kHoursToRad * kFixed24One));
     const int magnitudeBonus = view.screenFactor == 1 ? 1 : 0;
+    const FieldStarMotion motion(epochYear);
+    const int marginPx = motionMarginPixels(view, epochYear);
     auto& list = visibleFieldStars();
     for (int block = first; block < last && !load.stopped; ++block) {
         const uint8_t* record = fetchRecord(slot, static_cast<uint32_t>(block));
@@ -123,26 +226,25 @@ FieldStarLoad loadFieldStars(const ChartView& view, double magnitudeLimit, bool 
             if (!load.window.contains(minute)) continue;
             StarEntry entry;
             std::memcpy(&entry, raw, sizeof entry);
-            int32_t u = 0, v = 0;
-            bool above = false;
-            if (fixed) {
-                StarPosition position;
-                decodeStarEntry(entry, position);
-                fixed24 ra = 0, dec = 0;
-                j2000ToDateFixed(frame, position.ra, position.dec, ra, dec);
-                above = projectStarFixed(view, lstFixed, ra, dec, u, v);
-            } else {
-                double ra = 0, dec = 0;
-                j2000ToDate(frame, starEntryRaHours(entry), starEntryDecDeg(entry), ra, dec);
-                above = projectStar(view, view.lstHours, ra, dec, u, v);
+            // The catalogue place first; a star with a motion is moved only when that place is
+            // within the farthest any star can have moved of the chart, so that the lookups and
+            // the second projection are spent on the few stars near the chart.
+            ScreenPoint point;
+            if (!projectEntry(view, frame, fixed, lstFixed, entry, nullptr, point)) continue;
+            bool moved = false;
+            if (motion.active()) {
+                if (!withinClip(view, point, marginPx)) continue;
+                double ra = starEntryRaHours(entry), dec = starEntryDecDeg(entry);
+                moved = motion.move(entry, static_cast<uint32_t>(block), k, ra, dec);
+                if (moved) {
+                    const double place[2] = {ra, dec};
+                    if (!projectEntry(view, frame, fixed, lstFixed, entry, place, point)) continue;
+                }
             }
-            if (!above) continue;
-            ScreenPoint point = chartToScreen(view, u, v);
-            if (point.y < view.clip.top || point.y > view.clip.bottom) continue;
-            point.x = wrapPanoramaX(view, point.x);
-            if (point.x < view.clip.left || point.x > view.clip.right) continue;
+            if (!withinClip(view, point, 0)) continue;
             if (paint) paint((entry.mag16 >> 4) + magnitudeBonus, entry.colour, point.x, point.y);
             ++load.drawn;
+            if (moved) ++load.moved;
             if (load.listed < kVisibleFieldStarCapacity) {
                 list[static_cast<std::size_t>(load.listed++)] = {
                     static_cast<uint32_t>(block) * static_cast<uint32_t>(perBlock) + static_cast<uint32_t>(k),

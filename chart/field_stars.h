@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <limits>
 
 #include "chart/chart_view.h"
 #include "chart/sky_frame.h"
@@ -50,11 +51,18 @@ struct FieldStarLoad {
     int halfHeightDeg = 0;
     RaWindow window;
     int firstBlock = -1, lastBlock = -1;
+    int moved = 0;  // stars drawn at their place at the epoch (a motion was known)
 };
 
 // Loads the field stars of the view (its zoom level, centre, sidereal time and screen factor)
 // down to magnitudeLimit; fastPath uses the fixed-point projection (levels up to 11 only).
-FieldStarLoad loadFieldStars(const ChartView& view, double magnitudeLimit, bool fastPath, const SkyFrame& frame,
-                             const FieldStarPaint& paint, const StopRequested& stopRequested = {});
+// epochYear (Julian epoch of the chart's moment) moves each star by its proper motion: the stars
+// of the HR and Hipparcos cards take the full-precision place and motion of the star-motion
+// table, those of the deep cards the motion of the card's side file; NaN keeps the catalogue's
+// J2000 places.
+FieldStarLoad loadFieldStars(const ChartView& view, double magnitudeLimit, bool fastPath,
+                             const SkyFrame& frame, const FieldStarPaint& paint,
+                             const StopRequested& stopRequested = {},
+                             double epochYear = std::numeric_limits<double>::quiet_NaN());
 
 }  // namespace nocturnel

@@ -199,7 +199,9 @@ IdentifiedObject identifyAt(const ChartRequest& request, int x, int y, int toler
     const ChartView view = chartViewForRequest(request, jdUt);
     const SkyFrame frame = request.precess ? skyFrameForDate(jdUt) : SkyFrame{};
     if (request.switchCatalogForZoom && prefs().cardCatalog > 0) switchStarCatalogForZoom(view.zoomLevel);
-    loadFieldStars(view, starMagnitudeLimit(view.zoomLevel), true, frame, [](int, int, int, int) {});
+    loadFieldStars(
+        view, starMagnitudeLimit(view.zoomLevel), true, frame, [](int, int, int, int) {}, {},
+        julianEpochOfJd(jdUt));
     return identify(view, jdUt, request.precess, x, y, tolerancePx);
 }
 

@@ -45,6 +45,19 @@ constexpr double kSchaeferUnitsPerNl = 1.11e-15;
 constexpr std::array<double, 3> kExperienceThresholdMag = {0.5, 0.0, -0.5};
 constexpr double kReferenceAgeYears = 25;
 
+// Star clusters. A cluster is a field of stars, not a uniform disc: it shows best framed with
+// sky around it and with its stars apart. The framing rule puts it in half the true field of a
+// 50 degree eyepiece (true field = apparent field / magnification, Nagler, "Choosing your
+// telescope's magnification", Sky & Telescope, May 1991). A globular cluster's stars are tightly
+// packed: they are resolved when the telescope's resolution (Dawes' limit, 116"/D mm) is shown
+// to the eye at about 2', the dark-adapted eye's own resolution for faint points, that is at
+// about 1x per millimetre of aperture (an exit pupil near 1 mm); faint stars also gain contrast
+// with magnification (the sky darkens, the star does not: Sky & Telescope's "An eyepiece primer").
+constexpr double kStandardApparentFieldDeg = 50;
+constexpr double kFramedShareOfField = 0.5;
+constexpr double kDawesArcsecMm = 116;
+constexpr double kEyeResolutionArcsec = 120;
+
 // Magnification samples of the useful range: a coarse log-spaced pass and a finer pass around its best.
 constexpr int kCoarseSamples = 14;
 constexpr int kFineSamples = 8;
@@ -163,6 +176,31 @@ double labelNumber(std::string_view field, int index, double fallback) {
 }
 }  // namespace
 
+double clusterMagnification(int typeCode, double sizeArcmin, double apertureMm, double lo, double hi) {
+    bool globular = false;
+    switch (typeCode) {
+        case 2:
+        case 3:
+        case 4:
+        case 5:  // "GLOCL", "GX+GC", "LMCGC", "SMCGC"
+            globular = true;
+            break;
+        case 6:
+        case 7:
+        case 8:
+        case 9:
+        case 11:
+        case 12:  // "OPNCL", "LMCOC", "SMCOC", "CL+NB", "LMCCN", "SMCCN"
+            break;
+        default:
+            return 0;
+    }
+    if (!(sizeArcmin > 0) || !(apertureMm > 0) || !(hi >= lo)) return 0;
+    double m = kFramedShareOfField * kStandardApparentFieldDeg * 60.0 / sizeArcmin;
+    if (globular) m = std::max(m, kEyeResolutionArcsec / (kDawesArcsecMm / apertureMm));
+    return std::clamp(m, lo, hi);
+}
+
 double telescopeLimitingMagnitude(double apertureMm) {
     if (!(apertureMm > 0)) return 0;
     return std::round((7.5 + 5.0 * std::log10(apertureMm / 10.0)) * 10.0) / 10.0;
@@ -277,7 +315,12 @@ VisibilityEstimate estimateVisibility(const VisibilityTarget& target, const Visi
     const double starMargin = c.scopeLimitMag + c.starLimitShiftMag - (target.mag + k * (x - 1.0));
     double best = 0;
     if (e.extended) {
+        // The ratio is the best contrast reserve over the range; a cluster is best looked at
+        // with its own rule (the reserve alone, treating it as a disc, always asks the lowest power).
         e.bestMagnification = bestMagnificationFor(c.minMagnification, c.maxMagnification, extendedReserve, best);
+        const double cluster = clusterMagnification(target.typeCode, target.majorArcmin, d,
+                                                    c.minMagnification, c.maxMagnification);
+        if (cluster > 0) e.bestMagnification = cluster;
     } else {
         const double skyNl = nanolambertFromMagArcsec2(skyMag);
         const double factor = pointObserverFactor(c.setup.observer);

@@ -105,6 +105,12 @@ struct VisibilityEstimate {
     double eyepieceMagnification = 0;
 };
 
+// Best magnification of a star cluster of a given size (arcminutes) in a telescope, inside the
+// useful range [lo, hi]: the one that frames it in half the true field of a standard 50 degree
+// eyepiece, and for a globular cluster at least the one that shows the telescope's resolution
+// to the eye (its stars resolved); 0 when the type is not a cluster.
+double clusterMagnification(int typeCode, double sizeArcmin, double apertureMm, double lo, double hi);
+
 // 7.5 + 5 log10(aperture mm / 10), rounded to 0.1.
 double telescopeLimitingMagnitude(double apertureMm);
 // "Too faint" (ratio <= 0.5), "Very difficult" (<= 1.0), "Difficult" (<= 1.5), "Easy" (<= 2.0), "Very easy".

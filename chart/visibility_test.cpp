@@ -154,6 +154,71 @@ TEST(Visibility, Monotonic) {
     }
 }
 
+// Clusters: M13 (globular, 5.8, 20'), M11 (open, 5.8, 14'), M45 (open, 1.6, 110').
+constexpr int kOpenCluster = 6;
+const VisibilityTarget kM13Full{5.8, true, 20, 20, kGlobularCluster, 70};
+const VisibilityTarget kM11{5.8, true, 14, 14, kOpenCluster, 45};
+const VisibilityTarget kM45{1.6, true, 110, 110, kOpenCluster, 60};
+
+TEST(ClusterMagnification, WorkedCases) {
+    struct Case {
+        const char* name;
+        VisibilityTarget target;
+        double aperture, expected;
+    } cases[] = {
+        // M13 in 200 mm: framing asks 25 deg x 60 / 20' = 75x, resolving 120" / (116"/200) = 207x.
+        {"M13 200 mm", kM13Full, 200, 120.0 / (116.0 / 200)},
+        // M11 in 200 mm: 1500 / 14' = 107x (its stars are resolved well before).
+        {"M11 200 mm", kM11, 200, 1500.0 / 14},
+        // M45 in 200 mm: 1500 / 110' = 13.6x, below the useful range: its lowest power, 200 / 7.
+        {"M45 200 mm", kM45, 200, 200 / 7.0},
+        // M13 in 80 mm: resolving asks 83x, framing 75x.
+        {"M13 80 mm", kM13Full, 80, 120.0 / (116.0 / 80)},
+        // A small globular (3') in 100 mm: framing asks 500x, capped at twice the aperture.
+        {"small globular 100 mm", {8.0, true, 3, 3, kGlobularCluster, 60}, 100, 200},
+    };
+    for (const Case& c : cases) {
+        const VisibilityEstimate e = estimate(c.target, setupFor(3, c.aperture));
+        EXPECT_NEAR(e.bestMagnification, c.expected, 1e-6) << c.name;
+        EXPECT_GT(e.ratio, 1.0) << c.name;
+    }
+    // The disc model alone would show M11 at the lowest power; the cluster rule asks more.
+    EXPECT_GT(estimate(kM11, setupFor(3, 200)).bestMagnification, 3 * 200 / 7.0);
+    // Not a cluster: unchanged, and 0 from the rule.
+    EXPECT_EQ(clusterMagnification(16, 10, 200, 28, 400), 0.0);
+    EXPECT_EQ(clusterMagnification(kOpenCluster, 0, 200, 28, 400), 0.0);
+}
+
+TEST(ClusterMagnification, MonotonicInSizeAndAperture) {
+    for (const int type : {kGlobularCluster, kOpenCluster}) {
+        for (const double aperture : {60.0, 150.0, 254.0, 457.0}) {
+            double previous = 1e9;
+            for (double size = 1; size <= 200; size *= 1.3) {
+                const double m = clusterMagnification(type, size, aperture, aperture / 7, aperture * 2);
+                EXPECT_LE(m, previous + 1e-9)
+                    << type << " " << aperture << " " << size;  // larger: lower power
+                EXPECT_GE(m, aperture / 7 - 1e-9);
+                EXPECT_LE(m, aperture * 2 + 1e-9);
+                previous = m;
+            }
+        }
+        for (const double size : {2.0, 10.0, 20.0, 60.0}) {
+            double previous = 0;
+            for (const double aperture : {50.0, 80.0, 150.0, 203.0, 280.0, 457.0, 762.0}) {
+                const double m = clusterMagnification(type, size, aperture, aperture / 7, aperture * 2);
+                EXPECT_GE(m, previous - 1e-9)
+                    << type << " " << size << " " << aperture;  // more aperture: more power
+                previous = m;
+            }
+        }
+    }
+    // The ratio does not depend on the rule: a cluster and a disc of the same light and size rate alike.
+    const VisibilityConditions c = prepareVisibility(setupFor(3, 200));
+    VisibilityTarget disc = kM11;
+    disc.typeCode = 16;
+    EXPECT_DOUBLE_EQ(estimateVisibility(kM11, c).ratio, estimateVisibility(disc, c).ratio);
+}
+
 TEST(Visibility, EyepieceGivesAMagnificationNearTheBest) {
     const VisibilitySetup s = setupFor(3, 200);
     const VisibilityEstimate e = estimate(kM101, s);
@@ -188,5 +253,47 @@ TEST(Visibility, OddInputsGiveAFiniteRatio) {
         EXPECT_EQ(e.eyepieceIndex, -1);
     }
 }
+}  // namespace
+}  // namespace nocturnel
+
+namespace nocturnel {
+namespace {
+
+// The observer's lists are stored as the index shown from the top, the entries shown in the
+// reverse of the order the page adds them: "Vision" index 0 is "2/10", "Age" index 0 is "15",
+// "Experience" index 0 is "Beginner".
+TEST(VisibilityFromPreferences, ListIndexesMapToTheShownEntries) {
+    Preferences p{};
+    struct Case {
+        int vision, age, experience;
+        double snellen, years;
+    };
+    const Case cases[] = {{0, 0, 0, 0.2, 15}, {2, 1, 1, 0.4, 25}, {8, 5, 2, 1.0, 65}, {10, 8, 2, 1.2, 95}};
+    for (const Case& c : cases) {
+        p.visionIndex = c.vision;
+        p.ageIndex = c.age;
+        p.experience = c.experience;
+        const VisibilitySetup s = visibilitySetupFromPreferences(p, {});
+        EXPECT_DOUBLE_EQ(s.observer.snellenRatio, c.snellen) << c.vision;
+        EXPECT_DOUBLE_EQ(s.observer.ageYears, c.years) << c.age;
+        EXPECT_EQ(s.observer.experience, c.experience);
+    }
+    // The fresh record's observer (index 0 of each list: "2/10", "15", "Beginner") loses
+    // 2.5 log10(1/0.2^2) = 3.5 magnitudes to acuity and 0.5 to experience against the average
+    // observer of the threshold data; "10/10" and "Hobbyst" see the sky's own limit.
+    Preferences fresh{};
+    fresh.skyQuality = 3;
+    const double freshLimit = prepareVisibility(visibilitySetupFromPreferences(fresh, {})).nakedEyeLimitMag;
+    fresh.visionIndex = 8;
+    fresh.experience = 1;
+    fresh.ageIndex = 1;
+    const double averageLimit = prepareVisibility(visibilitySetupFromPreferences(fresh, {})).nakedEyeLimitMag;
+    EXPECT_NEAR(averageLimit - freshLimit,
+                2.5 * std::log10(25.0) + 0.5 + 5 * std::log10(eyePupilForAge(25) / eyePupilForAge(15)), 1e-6);
+    // Country sky: 2.1 against 6.0.
+    EXPECT_LT(freshLimit, 2.5);
+    EXPECT_GT(averageLimit, 5.5);
+}
+
 }  // namespace
 }  // namespace nocturnel

@@ -10,8 +10,8 @@ sources=${NOCTURNEL_SOURCES:-${XDG_CACHE_HOME:-$HOME/.cache}/nocturnel/sources}
 # A data/ folder made by an older builder lacks some file: build again.
 missing=0
 for f in nocturnel_default_stars.ppc nocturnel_hip_110k.ppc nocturnel_obj_18k.ppc nocturnel_eyepiece.ppc \
-         nocturnel_names.ppc nocturnel_planets.ppc nocturnel_tycho_390k.ppc nocturnel_star_motion.ppc \
-         nocturnel_list_members.ppc nocturnel_meteor_showers.ppc SOURCES; do
+         nocturnel_names.ppc nocturnel_planets.ppc nocturnel_tycho_390k.ppc nocturnel_tycho_390k_pm.ppc \
+         nocturnel_star_motion.ppc nocturnel_list_members.ppc nocturnel_meteor_showers.ppc SOURCES; do
   [ -f "$bin/data/$f" ] || missing=1
 done
 if [ "$missing" = 1 ]; then

@@ -10,6 +10,7 @@
 #include "catalog/object_tables.h"
 #include "settings/message.h"
 #include "tools/build_checks.h"
+#include "tools/card_motion_file.h"
 #include "tools/constellation_lookup.h"
 #include "tools/deep_star_card.h"
 #include "tools/eyepiece_file.h"
@@ -96,6 +97,15 @@ public:
         report_.files.push_back({name, records.size(), 0});
         return true;
     }
+    // A file already laid out, header included, of `records` records.
+    bool writeLaidOut(const std::string& name, const std::string& bytes, size_t records) {
+        if (!writeWholeFile(folder_ / name, bytes)) {
+            showMessage(kWriteFailed, (folder_ / name).string());
+            return false;
+        }
+        report_.files.push_back({name, records, 0});
+        return true;
+    }
     bool writeBlocks(const std::string& name, const std::vector<StarEntry>& entries, int perBlock) {
         const size_t records = entries.size() / perBlock;
         if (records > 65535) {
@@ -166,6 +176,7 @@ bool writeTycho(FileWriter& writer, const fs::path& tyc2) {
         return false;
     }
     std::vector<StarToPack> stars;
+    std::unordered_map<int32_t, ProperMotion> motions;
     std::string line, error;
     size_t lineNumber = 0;
     while (std::getline(in, line)) {
@@ -174,7 +185,9 @@ bool writeTycho(FileWriter& writer, const fs::path& tyc2) {
         TychoStar t;
         bool primary = false;
         if (!parseTycho2Line(line, t, primary, error)) return malformed(tyc2, "line " + std::to_string(lineNumber) + ": " + error);
-        if (primary) stars.push_back({t.region * 100000 + t.number, t.raDeg / 15.0, t.decDeg, t.vMag, t.bv, t.hasBv});
+        if (!primary) continue;
+        stars.push_back({t.region * 100000 + t.number, t.raDeg / 15.0, t.decDeg, t.vMag, t.bv, t.hasBv});
+        motions.emplace(stars.back().number, ProperMotion{t.pmRaCosDecMasPerYear, t.pmDecMasPerYear});
     }
     if (stars.empty()) return malformed(tyc2, "no stars");
     std::stable_sort(stars.begin(), stars.end(), [](const StarToPack& a, const StarToPack& b) {
@@ -189,6 +202,12 @@ bool writeTycho(FileWriter& writer, const fs::path& tyc2) {
     const auto brightBlocks = packStarBlocks(bright, perBright), allBlocks = packStarBlocks(stars, perAll);
     return writer.writeBlocks("nocturnel_tycho_390k.ppc", brightBlocks, perBright) &&
            writer.writeBlocks("nocturnel_tycho_2500k.ppc", allBlocks, perAll) &&
+           writer.writeLaidOut(cardMotionFileName("nocturnel_tycho_390k.ppc"),
+                               cardMotionFileBytes(cardMotionEntries(brightBlocks, motions), perBright),
+                               brightBlocks.size() / perBright) &&
+           writer.writeLaidOut(cardMotionFileName("nocturnel_tycho_2500k.ppc"),
+                               cardMotionFileBytes(cardMotionEntries(allBlocks, motions), perAll),
+                               allBlocks.size() / perAll) &&
            writer.write("nocturnel_tycho_idx.ppc", 1, buildTychoRegionIndex(stars));
 }
 
@@ -203,15 +222,20 @@ bool writeMilkyWay(FileWriter& writer, const fs::path& d3Data) {
 
 // The "Tycho 390K" card from Stellarium's star catalogue (without a Tycho-2 file); skipped
 // when the sources lack the star files.
-bool writeDeepStarCard(FileWriter& writer, const fs::path& starsFolder, bool& written) {
+bool writeDeepStarCard(FileWriter& writer, const fs::path& starsFolder, const StarSources& sources,
+                       bool& written) {
     written = false;
     const std::vector<fs::path> files = stellariumStarFiles(starsFolder);
     if (files.empty()) return true;
     DeepStarCard card;
     std::string error;
-    if (!buildDeepStarCard(files, kDeepStarCardStars, card, error)) return malformed(starsFolder, error);
+    if (!buildDeepStarCard(files, kDeepStarCardStars, card, error, referencePlacesOf(sources)))
+        return malformed(starsFolder, error);
     written = true;
-    return writer.writeBlocks("nocturnel_tycho_390k.ppc", card.blocks, card.perBlock);
+    return writer.writeBlocks("nocturnel_tycho_390k.ppc", card.blocks, card.perBlock) &&
+           writer.writeLaidOut(cardMotionFileName("nocturnel_tycho_390k.ppc"),
+                               cardMotionFileBytes(card.motions, card.perBlock),
+                               card.blocks.size() / static_cast<size_t>(card.perBlock));
 }
 
 // Full-precision places and proper motions of the Hipparcos stars (nocturnel_star_motion.ppc);
@@ -222,7 +246,8 @@ bool writeStarMotion(FileWriter& writer, const fs::path& starsFolder, const Star
     if (files.empty() || !fs::exists(starsFolder / "hip_pm.dat")) return true;
     std::vector<StarMotionRecord> records;
     std::string error;
-    if (!buildStarMotionRecords(files, hrByHipOf(sources), records, error)) return malformed(starsFolder, error);
+    if (!buildStarMotionRecords(files, hrByHipOf(sources), records, error, referencePlacesOf(sources)))
+        return malformed(starsFolder, error);
     written = true;
     return writer.write(kStarMotionFile, kStarMotionFileVersion, records);
 }
@@ -318,12 +343,14 @@ std::string sourcesText(const SourcePaths& paths, const StellariumCatalogue& dso
     if (deepStars)
         text += "\nStellarium star catalogue, Debian package stellarium-data (usr/share/stellarium/stars/default/\n"
                 "stars_0 .. stars_3 *.cat: Hipparcos, Tycho-2 and NOMAD stars to about magnitude 10.5), GPL-2+.\n"
-                "  -> nocturnel_tycho_390k.ppc (all of them, about 600,000; no Tycho numbers, see the README);\n"
+                "  -> nocturnel_tycho_390k.ppc (all of them, about 600,000; no Tycho numbers, see the README)\n"
+                "     and its proper motions nocturnel_tycho_390k_pm.ppc;\n"
                 "     nocturnel_star_motion.ppc (the Hipparcos stars' full-precision J2000 places from the\n"
                 "     records of stars_0 .. stars_2, their proper motions from stars/default/hip_pm.dat).\n";
     if (tycho)
         text += "\nTycho-2 main catalogue (Hog et al. 2000, CDS I/259, tyc2.dat), supplied by the user.\n"
-                "  -> nocturnel_tycho_390k.ppc, nocturnel_tycho_2500k.ppc, nocturnel_tycho_idx.ppc.\n";
+                "  -> nocturnel_tycho_390k.ppc, nocturnel_tycho_2500k.ppc, nocturnel_tycho_idx.ppc and the proper\n"
+                "     motions nocturnel_tycho_390k_pm.ppc, nocturnel_tycho_2500k_pm.ppc.\n";
     return text;
 }
 
@@ -347,6 +374,10 @@ bool checkAll(const fs::path& out, uint32_t objectCount, bool tycho, bool deepSt
            check(checkListMemberFile(out / kListMemberFile, objectCount, error), error) &&
            check(checkMeteorShowerFile(out / kMeteorShowerFile, error), error) &&
            (!deepStars || check(checkStarBlockFile(out / "nocturnel_tycho_390k.ppc", {0, 0, 0}, error), error)) &&
+           (!(deepStars || tycho) ||
+            check(checkCardMotionFile(out / "nocturnel_tycho_390k.ppc",
+                                      out / cardMotionFileName("nocturnel_tycho_390k.ppc"), error),
+                  error)) &&
            (!starMotion || check(checkStarMotionFile(out / kStarMotionFile, error), error)) &&
            (!tycho || (check(checkStarBlockFile(out / "nocturnel_tycho_390k.ppc", {0, 0, 0}, error), error) &&
                        check(checkStarBlockFile(out / "nocturnel_tycho_2500k.ppc", {0, 0, 0}, error), error) &&
@@ -452,7 +483,7 @@ int buildCatalogues(const BuildOptions& options, BuildReport* reportOut) {
         writeObservingLists(writer, objectFiles, report) &&
         writer.write(kNameFile, kNameFileVersion, buildNameRecords(objectFiles, stars.names)) &&
         writePlanetSeriesFile(options.sourcesFolder, stage, report) &&
-        (options.tycho2File.empty() ? writeDeepStarCard(writer, paths.stellariumStars, deepStars)
+        (options.tycho2File.empty() ? writeDeepStarCard(writer, paths.stellariumStars, stars, deepStars)
                                     : writeTycho(writer, options.tycho2File)) &&
         writeStarMotion(writer, paths.stellariumStars, stars, starMotion);
     if (!written) return 1;

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <fstream>
 
+#include "catalog/card_star_motion.h"
 #include "catalog/formats.h"
 #include "catalog/object_index_key.h"
 #include "catalog/object_tables.h"
@@ -290,7 +291,8 @@ TEST(CatalogBuilder, SameSourcesGiveByteIdenticalFiles) {
         EXPECT_TRUE(a == b) << entry.path().filename();
         ++compared;
     }
-    EXPECT_EQ(compared, 26u);  // 21 record files, 3 Tycho files, the planet series and SOURCES
+    // 21 record files, 3 Tycho files and their 2 motion files, the planet series and SOURCES.
+    EXPECT_EQ(compared, 28u);
 }
 
 TEST(CatalogBuilder, Tycho2FilesFromTheCatalogueFormat) {
@@ -314,6 +316,25 @@ TEST(CatalogBuilder, Tycho2FilesFromTheCatalogueFormat) {
     EXPECT_NEAR(regions[3105].minDecDeg, 38.7836, 1e-3);
     EXPECT_NEAR(regions[4628].maxDecDeg, -75.6642, 1e-3);  // no mean position: the observed one
     EXPECT_FLOAT_EQ(regions[2].minDecDeg, 0.0f);
+    // The side file of motions runs parallel to the card: TYC 1-8-1's pmRA, pmDE; a star without
+    // a mean position (4628-237-1) has none.
+    std::string side;
+    ASSERT_TRUE(readWholeFile(out.path() / "nocturnel_tycho_2500k_pm.ppc", side));
+    ASSERT_EQ(side.size(), sizeof(DatabaseHeader) + entries.size() * sizeof(CardStarMotion));
+    int withMotion = 0;
+    for (size_t i = 0; i < entries.size(); ++i) {
+        CardStarMotion m;
+        std::memcpy(&m, side.data() + sizeof(DatabaseHeader) + i * sizeof m, sizeof m);
+        if (m.number == 0) continue;
+        ++withMotion;
+        EXPECT_EQ(m.number, entries[i].number);
+        EXPECT_NE(m.number, 462800237);
+        if (m.number == 100008) {
+            EXPECT_FLOAT_EQ(m.pmRaCosDecMasPerYear, -16.3f);
+            EXPECT_FLOAT_EQ(m.pmDecMasPerYear, -9.0f);
+        }
+    }
+    EXPECT_GE(withMotion, 4);
     for (const StarEntry& e : entries) {
         if (e.number == 310502070) {
             EXPECT_EQ(e.raH, 18);

@@ -1,9 +1,9 @@
 #include "tools/deep_star_card.h"
 
+#include <algorithm>
 #include <cmath>
 
-#include <algorithm>
-
+#include "tools/card_motion_file.h"
 #include "tools/record_io.h"
 #include "tools/star_packing.h"
 #include "tools/stellarium_stars.h"
@@ -29,7 +29,7 @@ std::vector<std::filesystem::path> stellariumStarFiles(const std::filesystem::pa
 }
 
 bool buildDeepStarCard(const std::vector<std::filesystem::path>& files, size_t keep, DeepStarCard& card,
-                       std::string& error) {
+                       std::string& error, const std::map<int32_t, ReferencePlace>& reference) {
     std::vector<StellariumStar> stars;
     for (const auto& file : files) {
         std::string bytes;
@@ -51,12 +51,26 @@ bool buildDeepStarCard(const std::vector<std::filesystem::path>& files, size_t k
     std::stable_sort(stars.begin(), stars.end(),
                      [&key](const StellariumStar& a, const StellariumStar& b) { return key(a) < key(b); });
     stars.resize(std::min(stars.size(), keep));
+    std::map<int32_t, ProperMotion> hipMotions;
+    std::string hipText, hipError;
+    if (readWholeFile(files.front().parent_path() / "hip_pm.dat", hipText) &&
+        !parseHipProperMotions(hipText, hipMotions, hipError)) {
+        error = "hip_pm.dat: " + hipError;
+        return false;
+    }
+    if (!reference.empty()) correctEpoch1991Places(stars, hipMotions, reference);
     std::vector<StarToPack> packed;
+    std::unordered_map<int32_t, ProperMotion> motions;
     packed.reserve(stars.size());
+    motions.reserve(stars.size());
     for (size_t i = 0; i < stars.size(); ++i) {
         const StellariumStar& s = stars[i];
         const int32_t number = s.hip > 0 ? s.hip : kDeepStarNumberBase + static_cast<int32_t>(i);
         packed.push_back({number, s.raDeg / 15.0, s.decDeg, s.mag, s.bv, true});
+        const auto listed = s.hip > 0 ? hipMotions.find(s.hip) : hipMotions.end();
+        motions.emplace(number, listed != hipMotions.end()
+                                    ? listed->second
+                                    : ProperMotion{s.pmRaCosDecMasPerYear, s.pmDecMasPerYear});
     }
     card.perBlock = starsPerBlockFor(packed.size());
     if (card.perBlock == 0) {
@@ -64,6 +78,7 @@ bool buildDeepStarCard(const std::vector<std::filesystem::path>& files, size_t k
         return false;
     }
     card.blocks = packStarBlocks(packed, card.perBlock);
+    card.motions = cardMotionEntries(card.blocks, motions);
     card.stars = packed.size();
     card.faintestMag = stars.back().mag;
     return true;

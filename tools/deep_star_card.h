@@ -11,7 +11,9 @@
 #include <string>
 #include <vector>
 
+#include "catalog/card_star_motion.h"
 #include "catalog/formats.h"
+#include "tools/star_motion_file.h"
 
 namespace nocturnel {
 
@@ -27,10 +29,15 @@ struct DeepStarCard {
     int perBlock = 0;
     size_t stars = 0;
     double faintestMag = 0;
+    // The side file's entries, parallel to `blocks`: each star's motion from its record, a
+    // Hipparcos star's from hip_pm.dat beside the files when that lists it (the motion the HR
+    // and Hipparcos cards use).
+    std::vector<CardStarMotion> motions;
 };
 
-// Reads the files and packs the brightest `keep` stars; false with the fault in `error`.
+// Reads the files and packs the brightest `keep` stars; false with the fault in `error`. The
+// Hipparcos stars' places are checked against `reference` (correctEpoch1991Places) when given.
 bool buildDeepStarCard(const std::vector<std::filesystem::path>& files, size_t keep, DeepStarCard& card,
-                       std::string& error);
+                       std::string& error, const std::map<int32_t, ReferencePlace>& reference = {});
 
 }  // namespace nocturnel

@@ -98,6 +98,7 @@ struct TychoStar {
     double vMag = 0;        // Johnson V from VT and BT (VT alone when BT is missing)
     double bv = 0;
     bool hasBv = false;
+    double pmRaCosDecMasPerYear = 0, pmDecMasPerYear = 0;  // with the mean position, else 0
 };
 // Reads the file line by line; stars of components other than 1 are skipped.
 bool parseTycho2Line(std::string_view line, TychoStar& star, bool& isPrimary, std::string& error);

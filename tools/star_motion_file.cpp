@@ -62,6 +62,52 @@ std::vector<StarMotionRecord> starMotionRecords(const std::vector<StellariumStar
     return records;
 }
 
+std::map<int32_t, ReferencePlace> referencePlacesOf(const StarSources& sources) {
+    std::map<int32_t, ReferencePlace> places;
+    for (const HipparcosStar& h : sources.hipparcos)
+        if (h.hip > 0) places.emplace(h.hip, ReferencePlace{h.raDeg, h.decDeg});
+    return places;
+}
+
+namespace {
+double separationArcsec(double ra1Deg, double dec1Deg, double ra2Deg, double dec2Deg) {
+    constexpr double k = M_PI / 180;
+    const double c = std::sin(dec1Deg * k) * std::sin(dec2Deg * k) +
+                     std::cos(dec1Deg * k) * std::cos(dec2Deg * k) * std::cos((ra1Deg - ra2Deg) * k);
+    return std::acos(std::clamp(c, -1.0, 1.0)) / k * 3600;
+}
+}  // namespace
+
+int correctEpoch1991Places(std::vector<StellariumStar>& stars, const std::map<int32_t, ProperMotion>& motions,
+                           const std::map<int32_t, ReferencePlace>& reference) {
+    constexpr double kHipparcosEpoch = 1991.25, kOffArcsec = 2.0, kMatchArcsec = 1.5, kMatchShare = 0.1;
+    int corrected = 0;
+    for (StellariumStar& s : stars) {
+        const auto ref = s.hip > 0 ? reference.find(s.hip) : reference.end();
+        const auto pm = s.hip > 0 ? motions.find(s.hip) : motions.end();
+        if (ref == reference.end() || pm == motions.end()) continue;
+        if (separationArcsec(s.raDeg, s.decDeg, ref->second.raDeg, ref->second.decDeg) <= kOffArcsec)
+            continue;
+        const StarMotionEntry at1991{s.hip,
+                                     0,
+                                     s.raDeg,
+                                     s.decDeg,
+                                     static_cast<float>(pm->second.raCosDecMasPerYear),
+                                     static_cast<float>(pm->second.decMasPerYear)};
+        // From 1991.25 to 2000: the motion applied over 8.75 years, as from 2000 to 2008.75.
+        double raHours = 0, decDeg = 0;
+        starPlaceAtEpoch(at1991, 2000.0 + (2000.0 - kHipparcosEpoch), raHours, decDeg);
+        const double way = separationArcsec(s.raDeg, s.decDeg, raHours * 15, decDeg);
+        if (separationArcsec(raHours * 15, decDeg, ref->second.raDeg, ref->second.decDeg) >
+            std::max(kMatchArcsec, kMatchShare * way))
+            continue;
+        s.raDeg = ref->second.raDeg;
+        s.decDeg = ref->second.decDeg;
+        ++corrected;
+    }
+    return corrected;
+}
+
 std::map<int32_t, int32_t> hrByHipOf(const StarSources& sources) {
     std::map<int32_t, int32_t> hipByHd, hrByHip;
     for (const auto& [hip, n] : sources.names)
@@ -73,8 +119,9 @@ std::map<int32_t, int32_t> hrByHipOf(const StarSources& sources) {
     return hrByHip;
 }
 
-bool buildStarMotionRecords(const std::vector<std::filesystem::path>& files, const std::map<int32_t, int32_t>& hrByHip,
-                            std::vector<StarMotionRecord>& records, std::string& error) {
+bool buildStarMotionRecords(const std::vector<std::filesystem::path>& files,
+                            const std::map<int32_t, int32_t>& hrByHip, std::vector<StarMotionRecord>& records,
+                            std::string& error, const std::map<int32_t, ReferencePlace>& reference) {
     if (files.empty()) {
         error = "no star files";
         return false;
@@ -104,6 +151,7 @@ bool buildStarMotionRecords(const std::vector<std::filesystem::path>& files, con
             return false;
         }
     }
+    if (!reference.empty()) correctEpoch1991Places(stars, motions, reference);
     records = starMotionRecords(stars, motions, hrByHip);
     if (records.empty()) {
         error = "no Hipparcos stars with proper motions";

@@ -40,6 +40,29 @@ TEST(StarMotionFile, RecordsAreSortedPaddedAndKeepTheFirstOfARepeatedStar) {
     EXPECT_DOUBLE_EQ(records[0].entries[7].raDeg, 8.0);
 }
 
+TEST(StarMotionFile, PlacesOfTheHipparcosEpochAreMovedTo2000) {
+    // 61 Cygni A (HIP 104214) as Stellarium's record has it, at its place of 1991.25, and its
+    // J2000 place in the reference list; the motion of hip_pm.dat (+4155.1 +3258.9 mas/yr).
+    const std::map<int32_t, ProperMotion> motions = {
+        {104214, {4155.1, 3258.9}}, {2, {5.0, 5.0}}, {3, {500.0, 0.0}}};
+    std::vector<StellariumStar> stars = {
+        {104214, 316.71237, 38.741934, 5.2, 1.07},  // 44" short of 2000 along its motion
+        {2, 10.0, 20.0, 6.0, 0.5},                  // 1" from its reference: left alone
+        {3, 30.0, 0.0, 6.0, 0.5},                   // 5" off, not along its motion: left alone
+        {4, 40.0, 0.0, 6.0, 0.5},                   // no reference
+    };
+    const std::map<int32_t, ReferencePlace> reference = {
+        {104214, {316.7248, 38.7494}}, {2, {10.0, 20.0 + 1.0 / 3600}}, {3, {30.0, 5.0 / 3600}}};
+    EXPECT_EQ(correctEpoch1991Places(stars, motions, reference), 1);
+    const double k = M_PI / 180;
+    const double east = (stars[0].raDeg - 316.7248) * std::cos(38.7494 * k) * 3600,
+                 north = (stars[0].decDeg - 38.7494) * 3600;
+    EXPECT_LT(std::hypot(east, north), 0.01);
+    EXPECT_DOUBLE_EQ(stars[1].decDeg, 20.0);
+    EXPECT_DOUBLE_EQ(stars[2].decDeg, 0.0);
+    EXPECT_DOUBLE_EQ(stars[3].raDeg, 40.0);
+}
+
 TEST(StarMotionFile, ProperMotionLines) {
     std::map<int32_t, ProperMotion> motions;
     std::string error;

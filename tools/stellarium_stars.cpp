@@ -142,7 +142,7 @@ bool parseStellariumStars(std::string_view bytes, std::vector<StellariumStar>& s
         for (int32_t k = 0; k < count; ++k, offset += recordBytes) {
             const unsigned char* r = data + offset;
             StellariumStar star;
-            int32_t x0 = 0, x1 = 0;
+            int32_t x0 = 0, x1 = 0, dx0 = 0, dx1 = 0;
             int bvCode = 0, magCode = 0;
             if (type == 0) {
                 // hip:24 components:8 | x0:32 | x1:32 | b_v:8 | mag:8 | spectral:16 | dx0, dx1, parallax: 32 each
@@ -151,6 +151,8 @@ bool parseStellariumStars(std::string_view bytes, std::vector<StellariumStar>& s
                 x1 = readInt32(r + 8);
                 bvCode = r[12];
                 magCode = r[13];
+                dx0 = readInt32(r + 16);
+                dx1 = readInt32(r + 20);
             } else {
                 // 80 bits, lowest first: x0:20 x1:20 dx0:14 dx1:14 b_v:7 mag:5
                 uint64_t low = 0;
@@ -158,6 +160,8 @@ bool parseStellariumStars(std::string_view bytes, std::vector<StellariumStar>& s
                 const uint64_t high = static_cast<uint64_t>(r[8]) | static_cast<uint64_t>(r[9]) << 8;
                 x0 = signExtend(low & 0xFFFFF, 20);
                 x1 = signExtend((low >> 20) & 0xFFFFF, 20);
+                dx0 = signExtend((low >> 40) & 0x3FFF, 14);                           // bits 40..53
+                dx1 = signExtend(((low >> 54) | ((high & 0xF) << 10)) & 0x3FFF, 14);  // bits 54..67
                 bvCode = static_cast<int>((high >> 4) & 0x7F);    // bits 68..74
                 magCode = static_cast<int>((high >> 11) & 0x1F);  // bits 75..79
             }
@@ -169,6 +173,14 @@ bool parseStellariumStars(std::string_view bytes, std::vector<StellariumStar>& s
             if (star.raDeg < 0) star.raDeg += 360;
             star.mag = (magMin + magCode * magRange / magSteps) / 1000.0;
             star.bv = bvCode / 32.0 - 0.5;
+            // The motion vector, 0.1 mas/yr along the zone's axes, on the star's east and north.
+            Vec motion;
+            for (int i = 0; i < 3; ++i) motion[i] = 0.1 * (dx0 * zone.axis0[i] + dx1 * zone.axis1[i]);
+            const double ra = star.raDeg * M_PI / 180, dec = star.decDeg * M_PI / 180;
+            const Vec east = {-std::sin(ra), std::cos(ra), 0.0};
+            const Vec north = {-std::sin(dec) * std::cos(ra), -std::sin(dec) * std::sin(ra), std::cos(dec)};
+            star.pmRaCosDecMasPerYear = dot(motion, east);
+            star.pmDecMasPerYear = dot(motion, north);
             stars.push_back(star);
         }
     }

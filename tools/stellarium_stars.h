@@ -10,7 +10,8 @@
 // A zone is a triangle of the geodesic grid: the icosahedron's 20 faces, each cut into four
 // (corner, corner-midpoints) L times. A star's place is an offset (x0, x1) from the zone's centre
 // along two axes (axis0 = north x centre, axis1 = centre x axis0) in the tangent plane, scaled so
-// that the grid's largest offset fills the field's integer range.
+// that the grid's largest offset fills the field's integer range. The motion (dx0, dx1) is along
+// the same axes, in units of 0.1 mas/yr (1e-4 arcsec/yr) in both record types.
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -24,6 +25,10 @@ struct StellariumStar {
     double decDeg = 0;      // J2000 declination, degrees
     double mag = 0;         // visual magnitude
     double bv = 0;          // B-V colour index
+    // Proper motion, mas/yr (the RA part times cos(dec)): the records' dx0, dx1 in units of
+    // 0.1 mas/yr along the zone's two axes, turned to the star's east and north.
+    double pmRaCosDecMasPerYear = 0;
+    double pmDecMasPerYear = 0;
 };
 
 inline constexpr uint32_t kStellariumStarMagic = 0x835F040A;

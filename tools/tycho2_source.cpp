@@ -58,6 +58,12 @@ bool parseTycho2Line(std::string_view line, TychoStar& star, bool& isPrimary, st
         error = "bad position";
         return false;
     }
+    if (meanPosition && !isBlank(fields[4]) && !isBlank(fields[5]) &&
+        !(parseNumber(fields[4], star.pmRaCosDecMasPerYear) &&
+          parseNumber(fields[5], star.pmDecMasPerYear))) {
+        error = "bad proper motion";
+        return false;
+    }
     double bt = 0, vt = 0;
     const bool hasBt = !isBlank(fields[17]) && parseNumber(fields[17], bt);
     const bool hasVt = !isBlank(fields[19]) && parseNumber(fields[19], vt);
