@@ -11,6 +11,7 @@
 #include "catalog/catalogues.h"
 #include "chart/field_stars.h"
 #include "chart/sky_objects.h"
+#include "chart/solar_system_layer.h"
 #include "core/planet_series_format.h"
 #include "core/solar_system_sky.h"
 #include "core/time.h"
@@ -133,6 +134,10 @@ TEST_F(Identify, PlutoIsNeitherDrawnNorNamedBeyondItsSeries) {
     request_.centreDecDeg = pluto.decJ2000Deg;
     request_.zoomLevel = 6;
     request_.moment = {2099, 12, 1, 0, 0, 0};
+    setSolarSystemSpots(solarSystemSpots);  // as the program does at start-up
+    struct Unhook {
+        ~Unhook() { setSolarSystemSpots(nullptr); }
+    } unhook;
     ChartResult inside;
     ASSERT_TRUE(renderChart(request_, inside));
     const IdentifiedObject there = identifyInChart(inside, inside.view.width / 2, inside.view.height / 2);
