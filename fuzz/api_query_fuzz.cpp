@@ -23,6 +23,30 @@ void check(bool holds) {
     if (!holds) __builtin_trap();
 }
 
+// The decimal forms a number may take: [+-]digits[.digits][(e|E)[+-]digits], with digits on at
+// least one side of the point.
+bool isDecimalText(std::string_view t) {
+    std::size_t i = 0;
+    auto digits = [&] {
+        const std::size_t start = i;
+        while (i < t.size() && t[i] >= '0' && t[i] <= '9') ++i;
+        return i - start;
+    };
+    if (i < t.size() && (t[i] == '+' || t[i] == '-')) ++i;
+    std::size_t mantissa = digits();
+    if (i < t.size() && t[i] == '.') {
+        ++i;
+        mantissa += digits();
+    }
+    if (mantissa == 0) return false;
+    if (i < t.size() && (t[i] == 'e' || t[i] == 'E')) {
+        ++i;
+        if (i < t.size() && (t[i] == '+' || t[i] == '-')) ++i;
+        if (digits() == 0) return false;
+    }
+    return i == t.size();
+}
+
 template <typename T>
 void checkWithin(const std::optional<T>& value, T low, T high) {
     if (value) check(*value >= low && *value <= high);
@@ -78,7 +102,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     // The pure readers on the whole text.
     if (const auto v = readWholeNumber(text, LONG_MIN, LONG_MAX)) check(readWholeNumber(std::to_string(*v), LONG_MIN, LONG_MAX) == v);
     if (const auto v = readWholeNumber(text, -5, 7)) check(*v >= -5 && *v <= 7);
-    if (const auto v = readRealNumber(text, -1e300, 1e300)) check(std::isfinite(*v));
+    if (const auto v = readRealNumber(text, -1e300, 1e300)) check(std::isfinite(*v) && isDecimalText(text));
     if (const auto m = readMomentText(text)) {
         char back[32];
         std::snprintf(back, sizeof back, "%04d-%02d-%02d%c%02d:%02d", m->year, m->month, m->day, text[10], m->hour, m->minute);
