@@ -36,8 +36,10 @@ std::optional<double> readRealNumber(std::string_view text, double low, double h
     for (char c : text)
         if (!(std::isdigit(static_cast<unsigned char>(c)) || c == '-' || c == '+' || c == '.' || c == 'e' || c == 'E'))
             return std::nullopt;  // no "nan", "inf", hex floats
-    if (text[0] == '+') text.remove_prefix(1);
-    if (!text.empty() && (text[0] == '-' || text[0] == '+')) return std::nullopt;  // one sign at most
+    if (text[0] == '+') {
+        text.remove_prefix(1);
+        if (!text.empty() && (text[0] == '-' || text[0] == '+')) return std::nullopt;  // one sign at most
+    }
     double value = 0;
     const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (ec != std::errc{} || end != text.data() + text.size() || !std::isfinite(value)) return std::nullopt;
