@@ -4,7 +4,9 @@
 // its stated bounds, and a date read back is the date written.
 #include <httplib.h>
 
+#include <cerrno>
 #include <climits>
+#include <cstdlib>
 #include <cmath>
 #include <cstdio>
 #include <nlohmann/json.hpp>
@@ -103,6 +105,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     if (const auto v = readWholeNumber(text, LONG_MIN, LONG_MAX)) check(readWholeNumber(std::to_string(*v), LONG_MIN, LONG_MAX) == v);
     if (const auto v = readWholeNumber(text, -5, 7)) check(*v >= -5 && *v <= 7);
     if (const auto v = readRealNumber(text, -1e300, 1e300)) check(std::isfinite(*v) && isDecimalText(text));
+    // And the other way: every plain decimal text in range is read, to the value strtod gives.
+    if (isDecimalText(text) && text.size() <= 40) {
+        errno = 0;
+        const double d = std::strtod(text.c_str(), nullptr);
+        if (errno == 0 && std::fabs(d) <= 1e300) check(readRealNumber(text, -1e300, 1e300) == d);
+        const bool wholeForm = text.find_first_of(".eE") == std::string::npos && text.size() - (text[0] < '0') <= 10;
+        if (wholeForm) check(readWholeNumber(text, LONG_MIN, LONG_MAX) == std::strtol(text.c_str(), nullptr, 10));
+    }
     if (const auto m = readMomentText(text)) {
         char back[32];
         std::snprintf(back, sizeof back, "%04d-%02d-%02d%c%02d:%02d", m->year, m->month, m->day, text[10], m->hour, m->minute);
