@@ -51,6 +51,12 @@ bool openDatabase(DatabaseSlot& slot, uint32_t type, uint32_t creator, int /*mod
         return false;
     }
 
+    return openRecordStream(slot, std::move(stream));
+}
+
+bool openRecordStream(DatabaseSlot& slot, std::unique_ptr<std::FILE, FileCloser> stream) {
+    closeDatabase(slot);
+    if (!stream) return false;
     uint8_t header[kHeaderBytes];
     if (std::fread(header, 1, sizeof header, stream.get()) != sizeof header) return false;
 

@@ -53,6 +53,10 @@ constexpr uint32_t fourCharCode(const char (&code)[5]) {
 // databases other screens may rewrite (comets, satellites); files are always read-only.
 bool openDatabase(DatabaseSlot& slot, uint32_t type, uint32_t creator, int mode, const char* folder,
                   const char* name);
+// The file half from an open binary stream (a file, or bytes in memory through fmemopen):
+// clears the slot and reads the header; false (slot closed, stream released) when the header
+// cannot be read whole or names a record larger than 64 KiB.
+bool openRecordStream(DatabaseSlot& slot, std::unique_ptr<std::FILE, FileCloser> stream);
 // Closes both halves; closing an absent half does nothing.
 void closeDatabase(DatabaseSlot& slot);
 

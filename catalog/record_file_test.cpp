@@ -4,7 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdio>
 #include <cstring>
+#include <memory>
+#include <vector>
 
 #include "catalog/catalog_test_support.h"
 #include "settings/message.h"
@@ -134,6 +137,29 @@ TEST_F(RecordFileTest, WritingNeedsTheInMemoryHalf) {
     std::array<uint8_t, 4> record{};
     ASSERT_TRUE(readRecord(fileOnly, 0, record.data(), record.size()));
     EXPECT_EQ(record[0], 0);  // the file is untouched
+}
+
+// Bytes in memory read as the same file does: header, records by index, the end of the bytes.
+TEST(RecordStream, BytesInMemoryReadLikeAFile) {
+    std::vector<uint8_t> bytes = {3, 0, 0, 0, 0, 0, 0, 0, 2, 0, 0, 0, 4, 0, 0, 0};
+    for (uint8_t b = 0; b < 8; ++b) bytes.push_back(static_cast<uint8_t>(0x40 + b));
+    DatabaseSlot slot;
+    ASSERT_TRUE(openRecordStream(slot, std::unique_ptr<std::FILE, FileCloser>(::fmemopen(bytes.data(), bytes.size(), "rb"))));
+    EXPECT_EQ(databaseVersion(slot), 3);
+    EXPECT_EQ(recordCount(slot), 2);
+    EXPECT_EQ(recordSize(slot), 4u);
+    const uint8_t* second = fetchRecord(slot, 1);
+    ASSERT_NE(second, nullptr);
+    EXPECT_EQ(second[0], 0x44);
+    EXPECT_EQ(fetchRecord(slot, 2), nullptr);  // past the end of the bytes
+
+    // A short header, an oversized record and no stream at all leave the slot closed.
+    std::vector<uint8_t> huge = {0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 1, 0, 1, 0};
+    EXPECT_FALSE(openRecordStream(slot, std::unique_ptr<std::FILE, FileCloser>(::fmemopen(huge.data(), 15, "rb"))));
+    EXPECT_FALSE(slot.isOpen());
+    EXPECT_FALSE(openRecordStream(slot, std::unique_ptr<std::FILE, FileCloser>(::fmemopen(huge.data(), huge.size(), "rb"))));
+    EXPECT_FALSE(slot.isOpen());
+    EXPECT_FALSE(openRecordStream(slot, nullptr));
 }
 
 }  // namespace

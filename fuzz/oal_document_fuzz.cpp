@@ -5,7 +5,6 @@
 
 #include "fuzz/fuzz_support.h"
 #include "plans/oal_exchange.h"
-#include "plans/xml_reader.h"
 
 using namespace nocturnel;
 
@@ -16,8 +15,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     const std::string_view document = fuzz::bytesOf(data, size);
-    XmlParseError error;
-    (void)parseXml(document, error);
+    // The import parses the document itself (plans/xml_reader.h): one parse per input.
     std::vector<ObserverLog> logs;
     int skipped = 0;
     if (logsFromOalDocument(document, -420, logs, skipped) && !logs.empty()) {

@@ -1,45 +1,24 @@
-// The record-file reader: any file in data/ opens or counts as absent, and every record read
-// from it stays inside the file and the record buffer.
-#include <unistd.h>
-
+// The record-file reader: any bytes open or count as absent, and every record read from them
+// stays inside the file and the record buffer. The bytes are read in place through fmemopen,
+// the same stream reads openDatabase makes on a file of data/.
 #include <cstdio>
-#include <filesystem>
-#include <string>
 
 #include "catalog/record_file.h"
 #include "fuzz/fuzz_support.h"
-#include "settings/program_folder.h"
 
 using namespace nocturnel;
-namespace fs = std::filesystem;
-
-namespace {
-fs::path& fileUnderTest() {
-    static fs::path path;
-    return path;
-}
-}  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     fuzz::silenceMessages();
-    // A memory-backed folder when there is one: each input is written as a file.
-    std::error_code ec;
-    const fs::path scratch = fs::is_directory("/dev/shm", ec) ? fs::path("/dev/shm") : fs::temp_directory_path();
-    const fs::path home = scratch / ("nocturnel_fuzz_record_" + std::to_string(::getpid()));
-    fs::create_directories(home / "data");
-    setProgramFolder(home);
-    fileUnderTest() = home / "data" / "fuzz.ppc";
     return 0;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
-    std::FILE* out = std::fopen(fileUnderTest().c_str(), "wb");
-    if (!out) return 0;
-    std::fwrite(data, 1, size, out);
-    std::fclose(out);
-
+    if (size == 0) return 0;  // fmemopen wants at least one byte; an empty file has no header anyway
+    // Opened for reading only: the bytes are never written.
+    std::unique_ptr<std::FILE, FileCloser> stream(::fmemopen(const_cast<uint8_t*>(data), size, "rb"));
     DatabaseSlot slot;
-    if (!openDatabase(slot, fourCharCode("pl00"), fourCharCode("CYT1"), 0, kDataFolder, "fuzz.ppc")) return 0;
+    if (!openRecordStream(slot, std::move(stream))) return 0;
     const uint16_t count = recordCount(slot);
     (void)databaseVersion(slot);
     (void)databaseTotalSize(slot, 80);

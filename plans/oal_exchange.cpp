@@ -307,7 +307,7 @@ bool logsFromOalDocument(std::string_view document, int utcOffsetMin, std::vecto
         if (const auto faintest = readNumber(observation->childText("faintestStar")); faintest && std::abs(*faintest) < 100)
             log.visualMagX10 = static_cast<int32_t>(std::lround(*faintest * 10));
         if (const auto seeing = readNumber(observation->childText("seeing")))
-            log.seeing = seeingOfAntoniadi(static_cast<int>(*seeing));
+            log.seeing = seeingOfAntoniadi(static_cast<int>(std::clamp(*seeing, 1.0, 5.0)));  // inside int first
         log.location = latin1Of(nameOf(sites, observation->childText("site"), "name"));
         log.scope = latin1Of(nameOf(scopes, observation->childText("scope"), "model"));
         log.filter = latin1Of(nameOf(filters, observation->childText("filter"), "model"));

@@ -115,6 +115,23 @@ TEST(OalExchange, ReadsADocumentWrittenFromTheSchema) {
     EXPECT_EQ(andromeda.choices[kChoiceRating], 0) << "99 is an unknown rating";
 }
 
+// A seeing far outside the Antoniadi scale is the nearest end of it, not a number cut to int.
+TEST(OalExchange, SeeingOutsideTheScaleTakesTheNearestEnd) {
+    struct Case {
+        const char* seeing;
+        int32_t choice;
+    };
+    for (const Case c : {Case{"777777777777777777777777777777777777777772", 0}, Case{"-1e300", 4}, Case{"6", 0},
+                         Case{"0", 4}, Case{"2.7", 3}}) {
+        std::string doc = kHandWritten;
+        doc.replace(doc.find("<seeing>2</seeing>"), 18, std::string("<seeing>") + c.seeing + "</seeing>");
+        std::vector<ObserverLog> logs;
+        int skipped = 0;
+        ASSERT_TRUE(logsFromOalDocument(doc, -420, logs, skipped)) << c.seeing;
+        EXPECT_EQ(logs.at(0).seeing, c.choice) << c.seeing;
+    }
+}
+
 TEST(OalExchange, RefusesWhatIsNotAnOalDocument) {
     const char* documents[] = {
         "",

@@ -98,7 +98,9 @@ bool readUserCatalogCsv(std::string_view csv, std::vector<ObjectRecord>& out) {
         if (f.size() < 3) return refuseLine(lineNumber, text, "a name, RA and Dec are needed");
         f.resize(6);
         const auto name = utf8ToLatin1(f[0]);
-        if (!name || name->empty()) return refuseLine(lineNumber, text, "the name is empty or not storable");
+        // A NUL would end the stored name early (a leading one leaves it empty).
+        if (!name || name->empty() || name->find('\0') != std::string::npos)
+            return refuseLine(lineNumber, text, "the name is empty or not storable");
         const auto ra = parseAngleText(f[1]);
         const auto dec = parseAngleText(f[2]);
         if (!ra || !std::isfinite(*ra) || *ra < 0 || *ra >= 24) return refuseLine(lineNumber, text, "RA must be 0 to 24 h");

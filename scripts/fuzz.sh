@@ -3,7 +3,8 @@
 # AddressSanitizer and UndefinedBehaviorSanitizer in build-fuzz/, then runs each for SECONDS
 # (default 60) from the seed corpus in fuzz/corpus/<target>. New inputs the fuzzer finds are
 # kept in build-fuzz/corpus/<target>; a crash leaves its input in build-fuzz/crashes/ and
-# makes the script fail. Usage: scripts/fuzz.sh [SECONDS] [TARGET...]
+# makes the script fail. Prints executions, executions per second and findings per target.
+# Usage: scripts/fuzz.sh [SECONDS] [TARGET...]
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 seconds=${1:-60}
@@ -19,6 +20,7 @@ if [ ${#targets[@]} -eq 0 ]; then
 fi
 mkdir -p "$build/crashes" "$build/logs"
 failed=0
+printf '%-20s %-6s %12s %10s  %s\n' target result executions exec/s findings
 for t in "${targets[@]}"; do
   mkdir -p "$build/corpus/$t"
   log="$build/logs/$t.log"
@@ -29,6 +31,8 @@ for t in "${targets[@]}"; do
     result=FAILED; failed=1
   fi
   runs=$(grep -o 'stat::number_of_executed_units: *[0-9]*' "$log" | grep -o '[0-9]*$' || echo '?')
-  printf '%-20s %-6s %12s executions  (log: %s)\n' "$t" "$result" "$runs" "$log"
+  speed=$(grep -o 'stat::average_exec_per_sec: *[0-9]*' "$log" | grep -o '[0-9]*$' || echo '?')
+  found=$(grep -o "Test unit written to .*" "$log" | sed 's/Test unit written to //' || true)
+  printf '%-20s %-6s %12s %10s  %s\n' "$t" "$result" "$runs" "$speed" "${found:-none (log: $log)}"
 done
 exit $failed

@@ -1,27 +1,14 @@
 #pragma once
-// The chart of the web interface: the view parameters of /api/chart.png and /api/identify
-// (any of them may be left out: the preferences and the moment decide), the chart request
-// they give, and what lies under a point of that chart.
+// The chart of the web interface: the chart request the view parameters of /api/chart.png and
+// /api/identify give (shell/chart_query.h reads them), and what lies under a point of that chart.
 #include <nlohmann/json.hpp>
 #include <optional>
 
 #include "chart/chart_render.h"
 #include "settings/preferences.h"
-#include "shell/http_params.h"
+#include "shell/chart_query.h"
 
 namespace nocturnel {
-
-inline constexpr int kChartMinSide = 16;
-inline constexpr int kChartMaxSide = 4096;
-
-struct ChartQuery {
-    std::optional<int> zoom, width, height, mode, rotate, night, scale;
-    std::optional<double> ra, dec, az, alt;   // J2000 hours/degrees, or az/alt degrees
-    std::optional<ObservingMoment> time;      // local civil time at the site
-};
-
-// Reads the view parameters; false with the reader's error on a bad one.
-bool readChartQuery(ValueReader& reader, ChartQuery& query);
 
 // The chart request of a query at the preferences' site and moment. Width and height are CSS
 // pixels; the chart is drawn scale times larger with resolutionFactor = scale.

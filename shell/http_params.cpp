@@ -36,7 +36,10 @@ std::optional<double> readRealNumber(std::string_view text, double low, double h
     for (char c : text)
         if (!(std::isdigit(static_cast<unsigned char>(c)) || c == '-' || c == '+' || c == '.' || c == 'e' || c == 'E'))
             return std::nullopt;  // no "nan", "inf", hex floats
-    if (text[0] == '+') text.remove_prefix(1);
+    if (text[0] == '+') {
+        text.remove_prefix(1);
+        if (!text.empty() && (text[0] == '-' || text[0] == '+')) return std::nullopt;  // one sign at most
+    }
     double value = 0;
     const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (ec != std::errc{} || end != text.data() + text.size() || !std::isfinite(value)) return std::nullopt;
@@ -47,8 +50,12 @@ std::optional<double> readRealNumber(std::string_view text, double low, double h
 std::optional<ObservingMoment> readMomentText(std::string_view text) {
     if (text.size() != 16 && text.size() != 19) return std::nullopt;
     if (text[10] != 'T' && text[10] != ' ') return std::nullopt;
-    auto field = [&](std::size_t at, std::size_t width, long low, long high) {
-        return readWholeNumber(text.substr(at, width), low, high);
+    // Each field is its digits only: no sign, no blank.
+    auto field = [&](std::size_t at, std::size_t width, long low, long high) -> std::optional<long> {
+        const std::string_view digits = text.substr(at, width);
+        for (char c : digits)
+            if (c < '0' || c > '9') return std::nullopt;
+        return readWholeNumber(digits, low, high);
     };
     if (text[4] != '-' || text[7] != '-' || text[13] != ':' || (text.size() == 19 && text[16] != ':'))
         return std::nullopt;

@@ -17,9 +17,9 @@ std::string invalidValueTitle(std::string_view name);
 
 // Whole decimal number (optional sign, at most 10 digits) within [low, high].
 std::optional<long> readWholeNumber(std::string_view text, long low, long high);
-// Finite decimal real (no "nan", "inf", hex) within [low, high].
+// Finite decimal real (one sign at most; no "nan", "inf", hex) within [low, high].
 std::optional<double> readRealNumber(std::string_view text, double low, double high);
-// "YYYY-MM-DDTHH:MM[:SS]" (a space may stand for the T), local civil time.
+// "YYYY-MM-DDTHH:MM[:SS]" (a space may stand for the T; digits only in each field), local civil time.
 std::optional<ObservingMoment> readMomentText(std::string_view text);
 
 // Reads named values from a source, remembering the first refusal.
