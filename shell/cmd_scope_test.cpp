@@ -166,10 +166,14 @@ TEST_F(ScopeCommand, FaultyMountsEndWithAMessageAndExitOne) {
 }
 
 TEST_F(ScopeCommand, VanishedDeviceEndsTracking) {
+    // The port is named through a link that goes with the device: a freed pty number may be
+    // handed at once to another test's simulator, and must not be opened in its place.
     PtyMount mount(makeMountSimulator(5));
-    const std::string port = mount.devicePath();
+    const std::filesystem::path port = home_ / "ttyVanishing";
+    std::filesystem::create_symlink(mount.devicePath(), port);
     mount.closeNow();
-    CliRun r = run({"scope", "--drive", "LX200", "--port", port, "track", "--count", "3"});
+    std::filesystem::remove(port);
+    CliRun r = run({"scope", "--drive", "LX200", "--port", port.string(), "track", "--count", "3"});
     EXPECT_EQ(r.exit, 1);
     EXPECT_FALSE(r.messages.empty());
     EXPECT_EQ(r.out, "");
