@@ -7,43 +7,19 @@
 #include "catalog/formats.h"
 #include "catalog/object_tables.h"
 #include "catalog/record_file.h"
+#include "plans/data_table_file.h"
 #include "settings/message.h"
 #include "settings/program_folder.h"
 
 namespace nocturnel {
-namespace {
-
-bool damaged(std::vector<ListMemberRecord>& members, const std::string& why) {
-    members.clear();
-    showMessage(std::string("Could not read ") + kListMemberFile, why);
-    return false;
-}
-
-}  // namespace
 
 bool loadListMembers(std::vector<ListMemberRecord>& members) {
-    members.clear();
-    DatabaseSlot slot;
-    if (!openDatabase(slot, 0, fourCharCode(kCreatorCode), 0, kDataFolder, kListMemberFile)) {
-        showMessage(std::string("Could not find ") + kListMemberFile,
-                    "Looked in " + dataPath(kListMemberFile).parent_path().string());
-        return false;
-    }
-    if (recordSize(slot) != sizeof(ListMemberRecord) || databaseVersion(slot) != kListMemberFileVersion)
-        return damaged(members, "record size " + std::to_string(recordSize(slot)) + ", version " +
-                                    std::to_string(databaseVersion(slot)));
-    const uint16_t count = recordCount(slot);
-    members.reserve(count);
-    for (uint16_t i = 0; i < count; ++i) {
-        const uint8_t* bytes = fetchRecord(slot, i);
-        if (bytes == nullptr) return damaged(members, "record " + std::to_string(i) + " cannot be read");
-        ListMemberRecord m;
-        std::memcpy(&m, bytes, sizeof m);
-        if ((m.catalog != kCatalogHerschel && m.catalog != kCatalogBestNGC) || m.objectRecord < 0 || m.rank < 1)
-            return damaged(members, "record " + std::to_string(i) + " out of range");
-        members.push_back(m);
-    }
-    return true;
+    return loadDataTable<ListMemberRecord>(
+        kListMemberFile, kListMemberFileVersion, members,
+        [](const ListMemberRecord& m) {
+            return (m.catalog == kCatalogHerschel || m.catalog == kCatalogBestNGC) && m.objectRecord >= 0 && m.rank >= 1;
+        },
+        [](const ListMemberRecord& m) { return m; });
 }
 
 ListsByObject listsByObject() {

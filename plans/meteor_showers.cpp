@@ -3,9 +3,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "catalog/record_file.h"
-#include "settings/message.h"
-#include "settings/program_folder.h"
+#include "plans/data_table_file.h"
 
 namespace nocturnel {
 namespace {
@@ -21,12 +19,6 @@ bool plausible(const MeteorShowerRecord& r) {
            realDay(r.startMonth, r.startDay) && realDay(r.endMonth, r.endDay) && realDay(r.peakMonth, r.peakDay);
 }
 
-bool damaged(std::vector<MeteorShower>& showers, const std::string& why) {
-    showers.clear();
-    showMessage(std::string("Could not read ") + kMeteorShowerFile, why);
-    return false;
-}
-
 }  // namespace
 
 MeteorShower meteorShowerOfRecord(const MeteorShowerRecord& r) {
@@ -35,26 +27,8 @@ MeteorShower meteorShowerOfRecord(const MeteorShowerRecord& r) {
 }
 
 bool loadMeteorShowers(std::vector<MeteorShower>& showers) {
-    showers.clear();
-    DatabaseSlot slot;
-    if (!openDatabase(slot, 0, fourCharCode(kCreatorCode), 0, kDataFolder, kMeteorShowerFile)) {
-        showMessage(std::string("Could not find ") + kMeteorShowerFile,
-                    "Looked in " + dataPath(kMeteorShowerFile).parent_path().string());
-        return false;
-    }
-    if (recordSize(slot) != sizeof(MeteorShowerRecord) || databaseVersion(slot) != kMeteorShowerFileVersion)
-        return damaged(showers, "record size " + std::to_string(recordSize(slot)) + ", version " +
-                                    std::to_string(databaseVersion(slot)));
-    const uint16_t count = recordCount(slot);
-    for (uint16_t i = 0; i < count; ++i) {
-        const uint8_t* bytes = fetchRecord(slot, i);
-        if (bytes == nullptr) return damaged(showers, "record " + std::to_string(i) + " cannot be read");
-        MeteorShowerRecord record;
-        std::memcpy(&record, bytes, sizeof record);
-        if (!plausible(record)) return damaged(showers, "record " + std::to_string(i) + " out of range");
-        showers.push_back(meteorShowerOfRecord(record));
-    }
-    return true;
+    return loadDataTable<MeteorShowerRecord>(kMeteorShowerFile, kMeteorShowerFileVersion, showers, plausible,
+                                             meteorShowerOfRecord);
 }
 
 bool meteorShowerActive(const MeteorShower& s, int month, int day) {
