@@ -185,7 +185,7 @@ TEST_F(SolarSystemCommands, PlanetsShowTheCurrentDeltaTForToday) {
     const auto day = floor<days>(local);
     const year_month_day ymd{day};
     const hh_mm_ss<minutes> clock{local - day};
-    char date[16], time[8];
+    char date[16], time[16];  // room for any int, as the optimiser checks
     std::snprintf(date, sizeof date, "%04d-%02u-%02u", static_cast<int>(ymd.year()), static_cast<unsigned>(ymd.month()),
                   static_cast<unsigned>(ymd.day()));
     std::snprintf(time, sizeof time, "%02d:%02d", static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()));
