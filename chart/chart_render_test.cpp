@@ -259,12 +259,7 @@ TEST_F(KnownNight, BrightStarsAreDrawnWhereTheirMotionHasTakenThem) {
     // 30 pixels on this chart, where ERFA puts the moved place.
     StarMotionRecord record{};
     record.entries[0] = {91262, 7001, (18 + 36 / 60.0 + 56.3 / 3600) * 15, 38 + 47 / 60.0 + 1.3 / 3600, 500000.0f, 1000000.0f};
-    const DatabaseHeader header{kStarMotionFileVersion, 0, 1, sizeof record};
-    std::ofstream out(folder_.path() / "data" / kStarMotionFile, std::ios::binary);
-    out.write(reinterpret_cast<const char*>(&header), sizeof header);
-    out.write(reinterpret_cast<const char*>(&record), sizeof record);
-    out.close();
-    forgetStarMotion();
+    testing::writeStarMotionFile(folder_.path(), record);
 
     ChartResult result;
     ChartSurface surface = renderChart(request_, result);

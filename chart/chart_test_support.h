@@ -8,15 +8,27 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "catalog/catalogues.h"
 #include "catalog/formats.h"
+#include "catalog/star_motion.h"
 #include "settings/program_folder.h"
 
 namespace nocturnel::testing {
+
+// Writes the star-motion file of one record into `folder`/data and has the program read it anew.
+inline void writeStarMotionFile(const std::filesystem::path& folder, const StarMotionRecord& record) {
+    const DatabaseHeader header{kStarMotionFileVersion, 0, 1, sizeof record};
+    std::ofstream out(folder / "data" / kStarMotionFile, std::ios::binary);
+    out.write(reinterpret_cast<const char*>(&header), sizeof header);
+    out.write(reinterpret_cast<const char*>(&record), sizeof record);
+    out.close();
+    forgetStarMotion();
+}
 
 class TempProgramFolder {
 public:

@@ -261,12 +261,7 @@ protected:
                                    s->decDeg,
                                    static_cast<float>(s->pmRaCosDec),
                                    static_cast<float>(s->pmDec)};
-        const DatabaseHeader header{kStarMotionFileVersion, 0, 1, sizeof record};
-        std::ofstream out(folder_.path() / "data" / kStarMotionFile, std::ios::binary);
-        out.write(reinterpret_cast<const char*>(&header), sizeof header);
-        out.write(reinterpret_cast<const char*>(&record), sizeof record);
-        out.close();
-        forgetStarMotion();
+        testing::writeStarMotionFile(folder_.path(), record);
     }
     // The side file of an open deep card, parallel to its blocks; `motions` by star number.
     void writeSideFile(const char* card, const std::map<int32_t, std::pair<double, double>>& motions) {
@@ -398,12 +393,7 @@ TEST_F(FieldStarsAtTheirDate, HrCardStarsFoundByTheirHrNumber) {
                          kCygni61.decDeg,
                          static_cast<float>(kCygni61.pmRaCosDec),
                          static_cast<float>(kCygni61.pmDec)};
-    const DatabaseHeader header{kStarMotionFileVersion, 0, 1, sizeof record};
-    std::ofstream out(folder_.path() / "data" / kStarMotionFile, std::ios::binary);
-    out.write(reinterpret_cast<const char*>(&header), sizeof header);
-    out.write(reinterpret_cast<const char*>(&record), sizeof record);
-    out.close();
-    forgetStarMotion();
+    testing::writeStarMotionFile(folder_.path(), record);
     writeCard("nocturnel_hr.ppc", 0, 1, 8085);
     const double epoch = 2026.9;
     const ChartView view = viewOn(kCygni61, 12, epoch);
